@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The records that the parsers fill and the track sources read: one Track a stream, with its format
+// and its sample table.
+// Threading: written on the thread that parses the file, before any source exists; read-only
+// afterwards, but for the format, which mFormatLock guards, and the times of RuvoAVISeekTime.
+#pragma once
+
+#include <media/stagefright/foundation/ABuffer.h>
+#include <stdint.h>
+#include <utils/RefBase.h>
+#include <utils/StrongPointer.h>
+#include <utils/Vector.h>
+
+#include <array>
+#include <atomic>
+#include <mutex>
+
+#include "support/Arithmetic.h"
+#include "support/FourCC.h"
+#include "support/MediaFormat.h"
+
+namespace android {
+
+// One index entry, as every index reader hands it to addSample().
+struct RuvoAVISample {
+    int64_t offset;        // of the chunk's data in the file, past its 8-byte header
+    uint32_t size;         // of the chunk's data
+    uint8_t isSyncSample;  // 1 for a key sample, else 0
+};
+
+// Where the audio tracks of a file should resume after a video seek. One record an audio track,
+// shared by all sources of the file; each time is read and written as a single value.
+struct RuvoAVISeekTime : public RefBase {
+    int32_t mTrackId = -1;                 // stream number
+    std::atomic<int64_t> mSeekTimeUs{-1};  // -1: no seek pending
+};
+
+// The sample table: one entry a chunk, in parallel vectors. Where the stream header announces a
+// sample size, mSampleSizes holds running totals instead of sizes: entry i counts the bytes of
+// chunks 0 to i (modulo 2^32), so that a byte position is found by bisection.
+struct SampleTable {
+    Vector<int64_t> mSampleOffsets;     // of the chunk's data in the file
+    Vector<int32_t> mSampleSizes;       // size or running total
+    Vector<int8_t> mSampleSyncs;        // key flags, video only
+    Vector<int32_t> mSampleBlockSizes;  // running totals of audio blocks, block mode only
+
+    size_t size() const { return mSampleSizes.size(); }
+
+    // Bytes of the stream before chunk i; 0 in a table of sizes. REQUIRES: i < size().
+    uint32_t bytesBefore(size_t i, bool runningTotals) const {
+        return runningTotals && i > 0 ? static_cast<uint32_t>(mSampleSizes[i - 1]) : 0;
+    }
+
+    // Size of chunk i. REQUIRES: i < size().
+    uint32_t chunkSize(size_t i, bool runningTotals) const {
+        return wrapSub32(static_cast<uint32_t>(mSampleSizes[i]), bytesBefore(i, runningTotals));
+    }
+};
+
+// What a source needs to know of its stream. Names as in the stream header (strh) and the stream
+// format (strf) they come from.
+struct TrackInfo {
+    uint32_t mStreamIndex = 0;  // the number at the head of the stream's chunk ids
+    uint32_t mScale = 0;        // mRate / mScale: units (frames, blocks) a second
+    uint32_t mRate = 0;
+    FourCC mFccType{};
+    FourCC mCompression{};
+    uint32_t mBlockAlign = 0;
+    uint32_t mSampleSize = 0;  // non-zero: the table holds running totals; 0 for video
+    uint32_t mBitsPerSample = 0;
+    uint32_t mAvgBytesPerSec = 0;
+    uint32_t mMP3Header = 0;         // first MPEG-audio frame header of the stream
+    uint32_t mInvalidDataSize = 0;   // bytes in front of the first valid frame
+    uint32_t mInvalidSampleIdx = 0;  // chunk that holds the first valid frame
+    bool mIsSubtitle = false;
+    bool mBlockMode = false;    // audio is delivered and timed in blocks of mBlockAlign bytes
+    bool mBrokenIndex = false;  // key flags are not to be trusted when seeking
+    bool mIsRawAACData = false;
+    bool mIsVBRWise = false;
+    bool mIsExcludingInvalidData = false;
+    int32_t mAVCStyle = 0;       // 0: length-prefixed NAL units, 1: start codes
+    int32_t mAVCSizeLength = 0;  // width of the length prefix in bytes, 0 when unknown
+    float mFrameRate = 0;
+    uint16_t mFormatTag = 0;
+    uint16_t mChannels = 0;
+    uint32_t mSamplesPerSec = 0;
+    uint16_t mSize = 0;                        // of the extra data of the wave format
+    std::array<uint8_t, 40> mBitmapInfo = {};  // the bitmap header of a video or subtitle stream
+};
+
+// One stream of the file. Owned by the extractor's list; its address is stable.
+struct Track {
+    MediaFormatPtr meta{AMediaFormat_new()};
+    // Guards meta once sources exist: the framework copies the format while a source reads it.
+    std::mutex mFormatLock;
+
+    bool mIsVideo = false;
+    bool mIsAudio = false;
+    bool mIsSubtitle = false;
+    bool mBadTrack = false;
+
+    uint32_t mStartOffset = 0;   // of the stream header, in units of its time base
+    uint32_t mTotalSamples = 0;  // length of the stream header
+    uint32_t mTotalSyncSamples = 0;
+    uint32_t mMaxSampleSize = 0;
+    uint32_t mMaxSyncSampleSize = 0;  // video only
+    uint64_t mTotalSampleSize = 0;
+    uint32_t mThumbNailIndex = 0;  // the largest key sample of a video track
+    SampleTable mTable;
+    bool mTableFull = false;  // the table reached its limit and the warning is out
+
+    sp<ABuffer> mCodecData;  // what follows the stream format's header, may be null
+    TrackInfo info;
+
+    bool mIsAVC = false;
+    bool mIsHEVC = false;
+    bool mIsVorbis = false;
+    bool mINDXValid = false;               // the table came from an OpenDML index
+    bool mNeedCodecData = false;           // the decoder wants configuration from the first samples
+    bool mIsIncludeExpensiveMeta = false;  // the thumbnail time is in meta
+};
+
+}  // namespace android

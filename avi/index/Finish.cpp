@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Closing of the tracks once all indexes are read: largest sample, bad tracks, durations and
+// bit rates.
+#include <media/stagefright/foundation/AString.h>
+#include <media/stagefright/foundation/MediaDefs.h>
+
+#include <algorithm>
+
+#include "RuvoAVIExtractor.h"
+#include "support/BitRate.h"
+#include "support/Check.h"
+#include "support/Log.h"
+#include "support/Mime.h"
+
+namespace android {
+
+const char* const AMEDIAFORMAT_KEY_AVI_AV_BIT_RATE = "av-bitrate";
+
+namespace {
+
+// Audio may outlast the video by this much before its duration is taken for a header's mistake.
+constexpr int64_t kMaxAudioOverhangUs = 500000;
+
+const char* trackMime(const Track& track) {
+    const char* mime = nullptr;
+    AVI_CHECK_TEXT(AMediaFormat_getString(track.meta.get(), AMEDIAFORMAT_KEY_MIME, &mime),
+                   "AMediaFormat_getString(track->meta, AMEDIAFORMAT_KEY_MIME, &mime)");
+    return mime;
+}
+
+// Bytes of a stream whose header counts in bytes: by header or by table, whichever is more.
+uint32_t byteTimedTotal(const Track& track) {
+    return std::max(track.mTotalSamples, static_cast<uint32_t>(track.mTable.mSampleSizes.top()));
+}
+
+uint32_t bytesPerSecond(const TrackInfo& info) {
+    if (info.mAvgBytesPerSec != 0) return info.mAvgBytesPerSec;
+    if (info.mBitsPerSample == 0) return 1;
+    return saturateToUint32(uint64_t{info.mSamplesPerSec} * info.mBitsPerSample / 8);
+}
+
+// REQUIRES: the track has samples.
+int64_t audioDurationUs(const Track& track) {
+    const TrackInfo& info = track.info;
+    if (info.mBlockMode) {
+        const uint32_t blocks = static_cast<uint32_t>(track.mTable.mSampleBlockSizes.top());
+        return unitsToUs(blocks, info.mScale, info.mRate);
+    }
+    if (info.mSampleSize == 1) return unitsToUs(byteTimedTotal(track), info.mScale, info.mRate);
+    if (info.mSampleSize > 1) {
+        return saturateToInt64(
+            divideOrZero(Wide{info.mSampleSize} * track.mTotalSamples * kUsPerSecond,
+                         Wide{bytesPerSecond(info)}));
+    }
+    return unitsToUs(track.mTotalSamples, info.mScale, info.mRate);
+}
+
+int64_t videoDurationUs(const Track& track) {
+    if (track.info.mFrameRate == 0) return 0;
+    const auto us = static_cast<float>(track.mTotalSamples * kUsPerSecond);
+    return clampTo<int64_t>(us / track.info.mFrameRate);
+}
+
+bool publishesBitRate(const char* mime) {
+    return isMime(mime, MEDIA_MIMETYPE_AUDIO_AAC) || isMime(mime, MEDIA_MIMETYPE_AUDIO_AC3) ||
+           isMime(mime, MEDIA_MIMETYPE_AUDIO_DTS);
+}
+
+void logTable(const Track& track, const char* mime, uint32_t totalSize) {
+    const TrackInfo& info = track.info;
+    AVI_LOGD("[%s] SCNT %zu TTSZ %u BLKM %s TTBLKS %zu", mime, track.mTable.size(), totalSize,
+             info.mBlockMode ? "true" : "false", track.mTable.mSampleBlockSizes.size());
+    AVI_LOGD("[%s] S %u R %u SSZ %u BLKA %u BPS %u SPS %u AVGBPS %u", mime, info.mScale, info.mRate,
+             info.mSampleSize, info.mBlockAlign, info.mBitsPerSample, info.mSamplesPerSec,
+             info.mAvgBytesPerSec);
+}
+
+void publishDuration(Track* track, const char* mime, int64_t durationUs) {
+    const auto bitRate = static_cast<int32_t>(saturateToInt64(
+        divideOrZero(Wide{track->mTotalSampleSize} * 8 * kUsPerSecond, Wide{durationUs})));
+    AString text;
+    appendBitRate(bitRate, &text);
+    const char* kind = track->info.mIsVBRWise ? "VBR Audio "
+                       : track->mIsAudio      ? "CBR Audio "
+                                              : "Video ";
+    AVI_LOGD("[%s] %s%sduration %lldus avg bitRate %d(%s)", mime,
+             track->info.mIsRawAACData ? "RawAAC/" : "", kind, ll(durationUs), bitRate,
+             text.c_str());
+
+    AMediaFormat* meta = track->meta.get();
+    AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_AVI_AV_BIT_RATE, bitRate);
+    AMediaFormat_setInt64(meta, AMEDIAFORMAT_KEY_DURATION, durationUs);
+    if (bitRate != 0 && publishesBitRate(mime)) {
+        AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_BIT_RATE, bitRate);
+    }
+}
+
+}  // namespace
+
+status_t RuvoAVIExtractor::finishParse() {
+    for (Track& track : mTracks) {
+        finishTrack(&track);
+    }
+    if (!mHasVideo && !mHasAudio && !mHasSubtitle) return ERROR_UNSUPPORTED;
+    return OK;
+}
+
+void RuvoAVIExtractor::finishTrack(Track* track) {
+    const char* mime = trackMime(*track);
+    AVI_LOGV("======================================");
+    const int samples = static_cast<int>(track->mTable.size());
+    AVI_LOGD("%s(%s): set kKeyMaxInputSize %d sampleCount %d", "finishParse", mime,
+             static_cast<int>(track->mMaxSampleSize), samples);
+    AMediaFormat_setInt32(track->meta.get(), AMEDIAFORMAT_KEY_MAX_INPUT_SIZE,
+                          static_cast<int32_t>(track->mMaxSampleSize));
+    if (samples == 0) {
+        AVI_LOGE("%s(%s): The track doesn't have any samples!", "finishParse", mime);
+        track->mBadTrack = true;
+    }
+    if (track->mBadTrack) {
+        // It stays in the list: players number their tracks by the streams of the file.
+        AVI_LOGW("%s(%s): BAD TRACK!!! Skip it.", "finishParse", mime);
+        AMediaFormat_setString(
+            track->meta.get(), AMEDIAFORMAT_KEY_MIME,
+            track->mIsAudio ? kMimeAudioUnknown : MEDIA_MIMETYPE_AVI_VIDEO_UNKNOWN);
+        track->mIsVideo = track->mIsAudio = track->mIsSubtitle = false;
+        return;
+    }
+    AVI_LOGD("%s(%s): finished samples %d syncSamples %u", "finishParse", mime, samples,
+             track->mTotalSyncSamples);
+    mHasVideo |= track->mIsVideo;
+    mHasAudio |= track->mIsAudio;
+    mHasSubtitle |= track->mIsSubtitle;
+    updateSamples(track);
+}
+
+status_t RuvoAVIExtractor::updateSamples(Track* track) {
+    if (track == nullptr || track->info.mRate == 0) {
+        AVI_LOG_FAILURE("updateSamples", ERROR_MALFORMED, __LINE__);
+        return ERROR_MALFORMED;
+    }
+    const char* mime = trackMime(*track);
+    int64_t durationUs = 0;
+    uint32_t totalSize = 0;
+    if (track->mIsVideo) {
+        const auto indexed = static_cast<uint32_t>(track->mTable.size());
+        track->mTotalSamples = std::min(indexed, track->mTotalSamples);
+        durationUs = mVideoDurationUs = videoDurationUs(*track);
+    } else if (track->mIsAudio) {
+        const bool isByteTimed = !track->info.mBlockMode && track->info.mSampleSize == 1;
+        totalSize = isByteTimed ? byteTimedTotal(*track) : 0;
+        durationUs = clampToVideo(audioDurationUs(*track));
+    }
+    logTable(*track, mime, totalSize);
+    publishDuration(track, mime, durationUs);
+    return OK;
+}
+
+// Audio stream headers often claim more than there is; nobody listens on after the film.
+int64_t RuvoAVIExtractor::clampToVideo(int64_t audioDurationUs) const {
+    if (mVideoDurationUs < 1 || audioDurationUs <= mVideoDurationUs) return audioDurationUs;
+    if (audioDurationUs - mVideoDurationUs <= kMaxAudioOverhangUs) return audioDurationUs;
+    AVI_LOGW("The audio duration(%lldus) is much bigger than the video(%lldus).",
+             ll(audioDurationUs), ll(mVideoDurationUs));
+    return mVideoDurationUs;
+}
+
+}  // namespace android

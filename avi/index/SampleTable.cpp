@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Filling of the tracks' sample tables, one sample at a time: every index reader ends here.
+#include "RuvoAVIExtractor.h"
+#include "support/Check.h"
+#include "support/Log.h"
+
+namespace android {
+
+namespace {
+
+// Every chunk has an 8-byte header, so a file cannot hold more chunks than this.
+size_t maxSamples(int64_t fileSize) {
+    return fileSize < 0 ? 0 : static_cast<size_t>(fileSize / kChunkHeaderSize);
+}
+
+bool isTableFull(Track* track, int64_t fileSize) {
+    if (track->mTable.size() < maxSamples(fileSize)) return false;
+    if (!track->mTableFull) {
+        AVI_LOGW(
+            "%s(): stream %u: the index lists more samples than the file can hold, drop the rest",
+            "addSample", track->info.mStreamIndex);
+        track->mTableFull = true;
+    }
+    return true;
+}
+
+void addSyncFlag(const RuvoAVISample& sample, Track* track) {
+    const uint8_t isSyncSample = sample.isSyncSample;
+    AVI_CHECK(isSyncSample == 0 || isSyncSample == 1);
+    track->mTable.mSampleSyncs.push_back(static_cast<int8_t>(isSyncSample));
+    // The largest key frame makes the best thumbnail: a black frame is small.
+    if (isSyncSample == 1 && sample.size > track->mMaxSyncSampleSize) {
+        track->mMaxSyncSampleSize = sample.size;
+        track->mThumbNailIndex = static_cast<uint32_t>(track->mTable.mSampleSyncs.size() - 1);
+    }
+}
+
+}  // namespace
+
+status_t RuvoAVIExtractor::addSample(const RuvoAVISample* sample, Track* track) {
+    if (track == nullptr) {
+        AVI_LOG_FAILURE("addSample", ERROR_MALFORMED, __LINE__);
+        return ERROR_MALFORMED;
+    }
+    SampleTable* table = &track->mTable;
+    // An empty video chunk is a dropped frame and takes a frame's time, but nothing can be shown
+    // before the first real one. Empty audio chunks take no time.
+    if (sample->size == 0 && (!track->mIsVideo || table->mSampleSizes.isEmpty())) return OK;
+    if (isTableFull(track, mFileSize)) return OK;
+
+    table->mSampleOffsets.push_back(sample->offset);
+    track->mMaxSampleSize = std::max(track->mMaxSampleSize, sample->size);
+    track->mTotalSampleSize += sample->size;
+    track->mTotalSyncSamples += sample->isSyncSample;
+    if (track->mIsVideo) addSyncFlag(*sample, track);
+
+    uint32_t entry = sample->size;
+    if (track->info.mSampleSize != 0 && !table->mSampleSizes.isEmpty()) {
+        entry = wrapAdd32(static_cast<uint32_t>(table->mSampleSizes.top()), sample->size);
+    }
+    table->mSampleSizes.push_back(static_cast<int32_t>(entry));
+    return OK;
+}
+
+Track* RuvoAVIExtractor::trackByStream(uint32_t streamNumber) const {
+    return streamNumber < mTracksByStream.size() ? mTracksByStream[streamNumber] : nullptr;
+}
+
+status_t RuvoAVIExtractor::addSampleById(uint32_t streamNumber, const RuvoAVISample* sample) {
+    Track* track = trackByStream(streamNumber);
+    if (track == nullptr) return OK;
+    if (sample->offset >= mFileSize) {
+        AVI_LOGE("%s(): Sample offset(%lld) exceeds the fileSize(%lld)! @L%d", "addSampleById",
+                 ll(sample->offset), ll(mFileSize), __LINE__);
+        return OK;
+    }
+    return addSample(sample, track);
+}
+
+status_t RuvoAVIExtractor::clearSamples(Track* track) {
+    if (track == nullptr) {
+        AVI_LOG_FAILURE("clearSamples", ERROR_MALFORMED, __LINE__);
+        return ERROR_MALFORMED;
+    }
+    track->mTable.mSampleSyncs.clear();
+    track->mTable.mSampleSizes.clear();
+    track->mTable.mSampleOffsets.clear();
+    track->mMaxSampleSize = 0;
+    track->mMaxSyncSampleSize = 0;
+    track->mTotalSampleSize = 0;
+    track->mThumbNailIndex = 0;
+    return OK;
+}
+
+}  // namespace android

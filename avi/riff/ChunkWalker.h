@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Walks the sibling chunks of one RIFF list: the one place where chunks are advanced.
+// Invariant: every successful step moves next() at least 8 bytes on, so every walk ends.
+#pragma once
+
+#include <media/MediaExtractorPluginHelper.h>
+#include <stdint.h>
+
+#include "support/Arithmetic.h"
+#include "support/FourCC.h"
+
+namespace android {
+
+constexpr int64_t kChunkHeaderSize = 8;
+constexpr int64_t kListHeaderSize = 12;
+
+// u32 id | u32 size | u32 type, the last one of lists only.
+struct ChunkHeader {
+    FourCC id{};
+    uint32_t size = 0;  // of the payload, as the file says
+    FourCC type{};
+};
+
+// How much of a 12-byte header a read brought.
+enum class HeaderRead {
+    kWhole,
+    kZeroTail,    // the last 8 bytes of the file, with size 0: writers pad files with zeros
+    kUnreadable,  // anything else
+};
+
+// Reads the 12 bytes at `position`, whatever the chunk is: the type of a plain chunk is just the
+// first bytes of its payload.
+HeaderRead readChunkHeader(DataSourceHelper* source, int64_t position, ChunkHeader* out);
+
+class ChunkWalker {
+  public:
+    // Walks from `start`, the offset of the first chunk. `source` must outlive the walker.
+    ChunkWalker(DataSourceHelper* source, int64_t start)
+        : mSource(source), mPosition(start), mNext(start) {}
+
+    // Reads the header at next() and steps onto that chunk. Any result but kWhole leaves the walker
+    // where it is.
+    HeaderRead advance() {
+        ChunkHeader header;
+        const HeaderRead result = readChunkHeader(mSource, mNext, &header);
+        if (result == HeaderRead::kWhole) {
+            mHeader = header;
+            mPosition = mNext;
+            mNext += kChunkHeaderSize + paddedSize(header.size);
+        }
+        return result;
+    }
+
+    const ChunkHeader& header() const { return mHeader; }
+    int64_t position() const { return mPosition; }                        // of the chunk's header
+    int64_t payload() const { return mPosition + kChunkHeaderSize; }      // of a plain chunk
+    int64_t listContents() const { return mPosition + kListHeaderSize; }  // behind the list type
+    int64_t next() const { return mNext; }  // end of this chunk, pad byte included
+
+    bool isList(FourCC type) const { return mHeader.id == fourcc("LIST") && mHeader.type == type; }
+
+  private:
+    DataSourceHelper* mSource;
+    ChunkHeader mHeader;
+    int64_t mPosition;
+    int64_t mNext;
+};
+
+}  // namespace android

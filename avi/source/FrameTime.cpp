@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Times of samples. AVI has none: a chunk's place in the stream tells its time, corrected for the
+// order in which B-frames are stored.
+#include <algorithm>
+
+#include "source/RuvoAVISource.h"
+#include "source/SubtitleTime.h"
+#include "support/Arithmetic.h"
+
+namespace android {
+
+// Enough of a frame to tell its type.
+constexpr size_t kFrameProbeBytes = 256;
+
+FrameType RuvoAVISource::getFrameType(const uint8_t* data, size_t size) const {
+    if (mIsAVC || mIsHEVC) return avcFrameType(data, size);
+    return mIsMPEG4 ? mpeg4FrameType(data, size) : genericFrameType(data, size);
+}
+
+// B-frames that directly follow the sample just read. Unreadable ones are passed over: they lie
+// behind the end of a cut file.
+int64_t RuvoAVISource::followingBFrames() const {
+    int64_t count = 0;
+    for (size_t i = mCurrentSampleIndex; i < mTable->size(); ++i) {
+        uint8_t bytes[kFrameProbeBytes];
+        const uint32_t chunkSize = mTable->chunkSize(i, mInfo.mSampleSize != 0);
+        const size_t size = std::min<size_t>(chunkSize, sizeof(bytes));
+        const ssize_t got = mDataSource->readAt(mTable->mSampleOffsets[i], bytes, size);
+        if (got != static_cast<ssize_t>(size)) continue;
+        if (getFrameType(bytes, size) != FrameType::kBidirectional) break;
+        ++count;
+    }
+    return count;
+}
+
+int64_t RuvoAVISource::sampleTimeUs(const Chunk& chunk) const {
+    if (!mInfo.mIsSubtitle) return calculateFrameDTS(chunk.type, chunk.bytesBefore);
+    return getSubtitleDts(static_cast<const uint8_t*>(mBuffer->data()), chunk.size);
+}
+
+int64_t RuvoAVISource::calculateFrameDTS(FrameType type, uint32_t bytesBefore) const {
+    const bool excluding = mInfo.mIsExcludingInvalidData;
+    const int64_t index =
+        int64_t{mCurrentSampleIndex} - 1 - (excluding ? mInfo.mInvalidSampleIdx : 0);
+    int64_t timeUs = 0;
+    if (mIsAudio) {
+        timeUs = audioTimeUs(index, wrapSub32(bytesBefore, excluding ? mInfo.mInvalidDataSize : 0));
+    } else if (mIsVideo) {
+        // A frame is shown after the B-frames stored behind it, which move one place forward.
+        const int64_t place =
+            type == FrameType::kBidirectional ? index - 1 : index + followingBFrames();
+        timeUs = unitsToUs(place, mInfo.mScale, mInfo.mRate);
+    }
+    return std::max<int64_t>(timeUs, 0);
+}
+
+// `bytesBefore` counts as a signed 32-bit number.
+int64_t RuvoAVISource::audioTimeUs(int64_t index, uint32_t bytesBefore) const {
+    const int64_t bytes = static_cast<int32_t>(bytesBefore);
+    if (mInfo.mSampleSize == 0) {
+        return mulDiv(mDurationUs, index, static_cast<int64_t>(mTable->size()));
+    }
+    if (mInfo.mIsRawAACData) {
+        return mInfo.mIsVBRWise ? unitsToUs(index, mInfo.mScale, mInfo.mRate)
+                                : mulDiv(bytes, kUsPerSecond, mInfo.mAvgBytesPerSec);
+    }
+    return unitsToUs(bytes, mInfo.mScale, mInfo.mRate) / mInfo.mSampleSize;
+}
+
+}  // namespace android

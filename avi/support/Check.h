@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Fatal assertions. They guard the contract with the framework (a source read before its start)
+// and the consistency of our own tables; damaged files never reach one.
+#pragma once
+
+#include <log/log.h>
+
+#include "support/Log.h"
+
+namespace android {
+
+// The location that crash reports of this plug-in are filed under.
+constexpr char kCheckLocation[] = "frameworks/av/media/libstagefright/avi/RuvoAVIExtractor";
+
+}  // namespace android
+
+// Aborts with `text` as the failed expression.
+#define AVI_CHECK_TEXT(condition, text)                                                     \
+    do {                                                                                    \
+        if (!(condition)) {                                                                 \
+            __android_log_assert(#condition, ::android::kLogTag, "%s:%d CHECK(%s) failed.", \
+                                 ::android::kCheckLocation, __LINE__, text);                \
+        }                                                                                   \
+    } while (0)
+
+#define AVI_CHECK(condition) AVI_CHECK_TEXT(condition, #condition)

@@ -1,0 +1,34 @@
+# GoogleTest from the source that Debian's package installs, built with this project's own flags:
+# the sanitizer presets and the cross build need it instrumented and for the target's architecture.
+
+set(AVI_GOOGLETEST_SOURCE /usr/src/googletest CACHE PATH "GoogleTest sources (Debian: googletest)")
+set(INSTALL_GTEST OFF)
+add_subdirectory(${AVI_GOOGLETEST_SOURCE} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+foreach(target IN ITEMS gtest gtest_main gmock gmock_main)
+    target_compile_options(${target} PRIVATE -w)  # another project's code, not ours to mend
+endforeach()
+include(GoogleTest)
+
+# Death tests start a program anew where they can: a fork of a program with threads may hang.
+if(CMAKE_CROSSCOMPILING_EMULATOR)
+    set(AVI_DEATH_TEST_STYLE fast)
+else()
+    set(AVI_DEATH_TEST_STYLE threadsafe)
+endif()
+
+# avi_add_test(NAME SOURCES... [LIBS...] [SPAWNS]): one test program, its cases registered with ctest
+# when the suite runs, so that a cross build does not need the emulator. SPAWNS: it executes other
+# programs of this build. A test leaves GoogleTest's death_test_style as it finds it.
+function(avi_add_test name)
+    cmake_parse_arguments(arg "SPAWNS" "" "SOURCES;LIBS" ${ARGN})
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE ${arg_LIBS} gmock gtest_main)
+    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+    if(arg_SPAWNS AND AVI_SPAWNING_EMULATOR)
+        set_target_properties(${name} PROPERTIES
+            CROSSCOMPILING_EMULATOR "${AVI_SPAWNING_EMULATOR}")
+    endif()
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+                         PROPERTIES TIMEOUT 120
+                         ENVIRONMENT GTEST_DEATH_TEST_STYLE=${AVI_DEATH_TEST_STYLE})
+endfunction()

@@ -1,0 +1,38 @@
+# Warnings, sanitizers and coverage, the same for every target of the project.
+
+add_compile_options(
+    -Wall -Wextra -Werror -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
+    -Wformat=2 -Wimplicit-fallthrough -Wundef)
+
+if(AVI_SANITIZE STREQUAL "address")
+    set(sanitizer_flags -fsanitize=address,undefined -fno-sanitize-recover=all)
+elseif(AVI_SANITIZE STREQUAL "integer")
+    # What the platform compiles extractors with: an unnamed wrap is a trap. The standard library's
+    # own hashing wraps on purpose, hence the list of exceptions.
+    set(sanitizer_flags
+        -fsanitize=signed-integer-overflow,unsigned-integer-overflow
+        -fsanitize-trap=signed-integer-overflow,unsigned-integer-overflow
+        -fsanitize-ignorelist=${CMAKE_SOURCE_DIR}/cmake/intsan-ignorelist.txt)
+elseif(AVI_SANITIZE STREQUAL "fuzz")
+    set(sanitizer_flags -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all)
+elseif(AVI_SANITIZE STREQUAL "thread")
+    set(sanitizer_flags -fsanitize=thread)
+elseif(AVI_SANITIZE)
+    message(FATAL_ERROR "AVI_SANITIZE is '${AVI_SANITIZE}': expected address, fuzz, integer or thread")
+endif()
+
+if(AVI_SANITIZE MATCHES "address|fuzz")
+    # The plug-in and the media foundation have no RTTI, as on the device; tests do, and would miss
+    # the types of their objects.
+    list(APPEND sanitizer_flags -fno-sanitize=vptr)
+endif()
+
+if(sanitizer_flags)
+    add_compile_options(${sanitizer_flags} -fno-omit-frame-pointer -g)
+    add_link_options(${sanitizer_flags})
+endif()
+
+if(AVI_COVERAGE)
+    add_compile_options(--coverage -O0 -g)
+    add_link_options(--coverage)
+endif()

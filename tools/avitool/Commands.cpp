@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tools/avitool/Commands.h"
+
+#include <fmt/format.h>
+
+#include <new>
+
+#include "tools/avitool/InfoPrinter.h"
+#include "tools/avitool/OpenedFile.h"
+#include "tools/avitool/Report.h"
+#include "tools/avitool/SamplePrinter.h"
+
+namespace avitool {
+
+namespace service = android::service;
+
+namespace {
+
+void complainAbout(const std::string& path, const TrackReport& track, Console& console) {
+    for (const auto& failure : {track.formatFailure, track.read.failure}) {
+        if (!failure) continue;
+        console.complain(path, fmt::format("track {}: {}", track.index, toText(*failure)));
+    }
+}
+
+// Runs `work` and returns what went wrong with the file in it, if anything.
+template <typename Work>
+std::optional<std::string> problemOf(const Work& work) {
+    try {
+        work();
+    } catch (const OutputError&) {
+        throw;  // no fault of the file
+    } catch (const std::bad_alloc&) {
+        return "not enough memory";
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+    return std::nullopt;
+}
+
+void inspect(const service::PluginLibrary& plugin, FileReport* report) {
+    const OpenedFile file(plugin, report->path);
+    report->confidence = file.extractor().confidence();
+    report->extractor = file.extractor().name();
+    report->format = file.format().entries();
+    const size_t count = file.extractor().countTracks();
+    for (size_t i = 0; i < count; ++i) {
+        report->tracks.push_back(describeTrack(file.extractor(), i));
+        report->tracks.back().read =
+            readTrack(file.extractor(), i, std::nullopt, [](uint64_t, const auto&) {});
+    }
+}
+
+void showTrack(const OpenedFile& file, size_t index, const Options& options, SamplePrinter& printer,
+               Console& console) {
+    TrackReport track = describeTrack(file.extractor(), index);
+    printer.beginTrack(track);
+    track.read = readTrack(file.extractor(), index, options.limit,
+                           [&](uint64_t number, const service::BufferHandle& buffer) {
+                               printer.sample(track, describeSample(number, buffer));
+                           });
+    printer.endTrack(track);
+    complainAbout(options.files.front(), track, console);
+}
+
+// The tracks to show, from `first` to before `end`.
+struct TrackRange {
+    size_t first = 0;
+    size_t end = 0;
+};
+
+TrackRange wantedTracks(const OpenedFile& file, const Options& options) {
+    const size_t count = file.extractor().countTracks();
+    if (!options.track) return {0, count};
+    if (*options.track < count) return {*options.track, *options.track + 1};
+    throw FileError(fmt::format("has no track {}: it has {} track{}, counted from 0",
+                                *options.track, count, count == 1 ? "" : "s"));
+}
+
+}  // namespace
+
+void runInfo(const Options& options, const service::PluginLibrary& plugin, Console& console) {
+    const auto printer = options.json ? makeJsonInfo(console) : makeTextInfo(console);
+    for (const std::string& path : options.files) {
+        FileReport report;
+        report.path = path;
+        report.error = problemOf([&] { inspect(plugin, &report); });
+        printer->add(report);
+        if (report.error) console.complain(path, *report.error);
+        for (const TrackReport& track : report.tracks)
+            complainAbout(path, track, console);
+    }
+    printer->finish();
+}
+
+void runSamples(const Options& options, const service::PluginLibrary& plugin, Console& console) {
+    const auto printer = options.json ? makeJsonSamples(console) : makeTextSamples(console);
+    const std::string& path = options.files.front();
+    bool begun = false;
+    const std::optional<std::string> problem = problemOf([&] {
+        const OpenedFile file(plugin, path);
+        const TrackRange tracks = wantedTracks(file, options);
+        printer->begin(path);
+        begun = true;
+        for (size_t i = tracks.first; i < tracks.end; ++i) {
+            showTrack(file, i, options, *printer, console);
+        }
+    });
+    if (!begun && options.json) printer->begin(path);
+    printer->finish(problem);
+    if (problem) console.complain(path, *problem);
+}
+
+}  // namespace avitool

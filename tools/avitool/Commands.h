@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: Apache-2.0
+// The subcommands: gather reports, have them printed, tell every problem. One thread.
+#pragma once
+
+#include "service/PluginLibrary.h"
+#include "tools/avitool/Console.h"
+#include "tools/avitool/Options.h"
+
+namespace avitool {
+
+/** Shows formats and sample counts of every file; goes on with the next file after a problem.
+ * Throws OutputError. */
+void runInfo(const Options& options, const android::service::PluginLibrary& plugin,
+             Console& console);
+
+/** Shows every sample of the file, or of one of its tracks. Throws OutputError. */
+void runSamples(const Options& options, const android::service::PluginLibrary& plugin,
+                Console& console);
+
+}  // namespace avitool

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+// How `avitool info` shows its reports. The console is borrowed. One thread.
+#pragma once
+
+#include <memory>
+
+#include "tools/avitool/Console.h"
+#include "tools/avitool/Report.h"
+
+namespace avitool {
+
+class InfoPrinter {
+  public:
+    InfoPrinter() = default;
+    InfoPrinter(const InfoPrinter&) = delete;
+    InfoPrinter& operator=(const InfoPrinter&) = delete;
+    virtual ~InfoPrinter() = default;
+
+    /** Adds one file, which may have failed. Throws OutputError. */
+    virtual void add(const FileReport& report) = 0;
+    /** Prints what is still to be printed after the last file. Throws OutputError. */
+    virtual void finish() = 0;
+};
+
+/** For people: a table a track. A file that failed has nothing to show. */
+std::unique_ptr<InfoPrinter> makeTextInfo(Console& console);
+/** One array with an object for each file, in the order they were added. */
+std::unique_ptr<InfoPrinter> makeJsonInfo(Console& console);
+
+}  // namespace avitool

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: Apache-2.0
+// A file opened through the plug-in and parsed. Owns the source and the extractor; the plug-in is
+// borrowed and must outlive it. Invariant: an object exists only for a file that the plug-in
+// claims and whose parse succeeded. One thread.
+#pragma once
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "service/Extractor.h"
+#include "service/FileSource.h"
+#include "service/PluginLibrary.h"
+
+namespace avitool {
+
+/** A file of which nothing can be shown; what() is the reason, without the file's name. */
+class FileError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+class OpenedFile {
+  public:
+    /** Throws FileError when the file cannot be read, is not claimed or cannot be parsed. */
+    OpenedFile(const android::service::PluginLibrary& plugin, const std::string& path);
+
+    const android::service::Extractor& extractor() const { return *mExtractor; }
+    /** The file's own format. */
+    const android::service::FormatView& format() const { return mFormat; }
+
+  private:
+    std::unique_ptr<android::service::FileSource> mSource;
+    std::unique_ptr<android::service::Extractor> mExtractor;
+    android::service::MediaFormat mFormat;
+};
+
+}  // namespace avitool

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+// What the plug-in logs: shown on standard error from a chosen priority up, and its error lines
+// remembered, since they tell why it refused a file. The log belongs to the process, hence free
+// functions. Lines may come from any thread; the functions are called from one.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace avitool::pluginlog {
+
+/** Takes over the process's log; lines below `priority` (ANDROID_LOG_...) are not shown. */
+void install(int priority);
+
+/**
+ * Forgets the error lines and names the file that is worked on: an assertion of the plug-in that
+ * fails ends the process with status 1 and one line that names this file.
+ */
+void beginFile(const std::string& path);
+
+/** The error lines since beginFile, the first 16 at most, in order. */
+std::vector<std::string> errors();
+
+}  // namespace avitool::pluginlog
