@@ -6,8 +6,6 @@
 #include <media/stagefright/foundation/MediaDefs.h>
 #include <strings.h>
 
-#include <iterator>
-
 #include "source/RuvoAVISource.h"
 #include "support/Log.h"
 
@@ -45,12 +43,11 @@ size_t RuvoAVIExtractor::countTracks() {
         AVI_LOGE("%s(): readMetaData() failed, err = %d!", "countTracks", err);
         return 0;
     }
-    return mTracks.size();
+    return mTrackTable.size();
 }
 
 Track* RuvoAVIExtractor::trackAt(size_t index) {
-    if (index >= mTracks.size()) return nullptr;
-    return &*std::next(mTracks.begin(), static_cast<ptrdiff_t>(index));
+    return index < mTrackTable.size() ? mTrackTable[index] : nullptr;
 }
 
 MediaTrackHelper* RuvoAVIExtractor::getTrack(size_t index) {
@@ -69,7 +66,7 @@ media_status_t RuvoAVIExtractor::getTrackMetaData(AMediaFormat* out, size_t inde
     }
     Track* track = trackAt(index);
     if (track == nullptr) {
-        const bool listEnds = index > mTracks.size();
+        const bool listEnds = index > mTrackTable.size();
         AVI_LOG_FAILURE("getTrackMetaData", AMEDIA_ERROR_UNKNOWN,
                         listEnds ? kLineTrackListEnds : kLineNoSuchTrack);
         return AMEDIA_ERROR_UNKNOWN;
@@ -141,13 +138,18 @@ status_t RuvoAVIExtractor::readMetaData() {
     if (err != OK) return err;
     err = mInitCheck = parseFirstRIFF();
     AMediaFormat_setString(mFileMeta.get(), AMEDIAFORMAT_KEY_MIME, MEDIA_MIMETYPE_CONTAINER_AVI);
-    if (err != OK) AVI_LOGE("%s(): error(%d) happens when parse file!", "readMetaData", err);
-    return err;
+    if (err != OK) {
+        AVI_LOGE("%s(): error(%d) happens when parse file!", "readMetaData", err);
+        return err;
+    }
+    for (Track& track : mTracks) {
+        mTrackTable.push_back(&track);
+    }
+    return OK;
 }
 
 // Finds the RIFF chunks at the top level of the file. There is no padding between them.
 status_t RuvoAVIExtractor::listRiffSegments() {
-    mRiffList.clear();
     for (int64_t position = 0; position < mFileSize;) {
         if (mFileSize - position < kListHeaderSize) {
             AVI_LOGW("No more riff.");

@@ -168,6 +168,7 @@ class RuvoAVIExtractor : public MediaExtractorPluginHelper {
     std::vector<RiffSegment> mRiffList;
     Vector<sp<RuvoAVISeekTime>> mAudioSeekTimes;
     std::list<Track> mTracks;                  // video first, the others in stream order
+    std::vector<Track*> mTrackTable;           // mTracks by position, once the file is parsed
     std::list<Track>::iterator mCurrentTrack;  // the stream list being parsed
     std::vector<Track*> mTracksByStream;       // by stream number; null where a stream was dropped
     MediaFormatPtr mFileMeta{AMediaFormat_new()};

@@ -23,6 +23,10 @@ function(avi_add_test name)
     cmake_parse_arguments(arg "SPAWNS" "" "SOURCES;LIBS" ${ARGN})
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE ${arg_LIBS} gmock gtest_main)
+    # What is tested is optimised, the tests themselves need to be built quickly.
+    target_compile_options(${name} PRIVATE -O1)
+    target_precompile_headers(${name} PRIVATE
+        <gmock/gmock.h> <gtest/gtest.h> <cstdint> <functional> <memory> <optional> <string> <vector>)
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
     if(arg_SPAWNS AND AVI_SPAWNING_EMULATOR)
         set_target_properties(${name} PROPERTIES

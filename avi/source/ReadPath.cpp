@@ -101,7 +101,10 @@ bool RuvoAVISource::loadPlain(const Chunk& chunk, size_t capacity, size_t insert
 bool RuvoAVISource::loadVc1(Chunk* chunk, size_t capacity, size_t* insertedBytes) {
     if (capacity < kStartCodeSize) return false;
     uint8_t bytes[kVc1ProbeBytes] = {};
-    mDataSource->readAt(chunk->offset, bytes, sizeof(bytes));
+    const size_t probed = std::min<size_t>(chunk->size, sizeof(bytes));
+    if (mDataSource->readAt(chunk->offset, bytes, probed) != static_cast<ssize_t>(probed)) {
+        return false;
+    }
     const Vc1Frame frame = probeVc1Frame(bytes);
     chunk->isSync = frame.isSync;
     if (!frame.hasStartCode) {

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tests/behaviour/opening/OpeningFixture.h"
+
+namespace avitest {
+
+using android::service::FaultySource;
+
+Stream mjpegStream() {
+    return videoStream("MJPG", 320, 240, 25);
+}
+
+AviFile videoFile(size_t frames) {
+    AviFile avi;
+    const size_t video = avi.addStream(mjpegStream());
+    for (size_t i = 0; i < frames; ++i) {
+        avi.addChunk(video, patternBytes(20 + 2 * i, static_cast<uint32_t>(i)));
+    }
+    return avi;
+}
+
+AviFile twoStreamFile() {
+    AviFile avi;
+    const size_t video = avi.addStream(mjpegStream());
+    const size_t audio = avi.addStream(pcmStream(2, 8000, 16));
+    avi.addChunk(video, patternBytes(30, 0));
+    avi.addChunk(audio, patternBytes(40, 1));
+    avi.addChunk(video, patternBytes(21, 2), kNoFlags);
+    avi.addChunk(audio, patternBytes(48, 3));
+    avi.addChunk(video, patternBytes(26, 4));
+    return avi;
+}
+
+std::vector<Bytes> chunkBytes(const AviFile& avi, size_t stream) {
+    std::vector<Bytes> result;
+    for (const MoviChunk& chunk : avi.chunks(stream))
+        result.push_back(chunk.data());
+    return result;
+}
+
+FaultySource& OpeningFixture::openCounted(Bytes file) {
+    FaultySource& source = mSources.emplace_back(mMemory.emplace_back(std::move(file)));
+    openSource(source);
+    return source;
+}
+
+void OpeningFixture::openVerbosely(Bytes file) {
+    setProperty(kExtractLogProperty, "1");
+    setProperty(kVerboseLogProperty, "1");
+    openFile(std::move(file));
+}
+
+std::vector<Bytes> OpeningFixture::sampleBytes(size_t track) {
+    std::vector<Bytes> result;
+    for (Sample& sample : readAll(track))
+        result.push_back(std::move(sample.bytes));
+    return result;
+}
+
+}  // namespace avitest

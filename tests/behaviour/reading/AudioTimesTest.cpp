@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Times of audio chunks: by bytes where the stream counts them, else by the share of the duration.
+
+#include "tests/behaviour/reading/ReadingFixture.h"
+#include "tests/behaviour/reading/RecordingGroup.h"
+
+namespace avitest {
+namespace {
+
+class AudioTimes : public ReadingTest {
+  protected:
+    std::vector<int64_t> timesOf(const Stream& stream, const std::vector<size_t>& sizes) {
+        std::vector<Bytes> chunks;
+        for (const size_t size : sizes)
+            chunks.push_back(patternBytes(size));
+        openStream(stream, chunks);
+        return timesOfSamples(readAll(0));
+    }
+};
+
+TEST_F(AudioTimes, ByteTimedAudioCountsBytes) {
+    EXPECT_EQ(timesOf(alawStream(), {4000, 1, 8000, 10}),
+              (std::vector<int64_t>{0, 500000, 500125, 1500125}));
+}
+
+TEST_F(AudioTimes, SampleSizeDividesTheBytes) {
+    Stream stream = alawStream();
+    stream.header.scale = 7;
+    stream.header.rate = 3000;
+    stream.header.sampleSize = 13;
+
+    // (bytes * 1000000 * 7 / 3000) / 13, each quotient cut.
+    EXPECT_EQ(timesOf(stream, {100, 101, 50}), (std::vector<int64_t>{0, 17948, 36076}));
+}
+
+TEST_F(AudioTimes, WithoutSampleSizeChunksShareTheDuration) {
+    Stream stream = frameAudioStream(0x57, 1, 8000, 160);
+    stream.header.length = 50;  // one second
+
+    EXPECT_EQ(timesOf(stream, {20, 300, 7}), (std::vector<int64_t>{0, 333333, 666666}));
+}
+
+TEST_F(AudioTimes, WithoutSampleSizeTheClampedDurationIsShared) {
+    AviFile avi;
+    const size_t video = avi.addStream(mjpegStream());
+    Stream stream = frameAudioStream(0x57, 1, 8000, 160);
+    stream.header.length = 500;  // ten seconds
+    const size_t audio = avi.addStream(stream);
+    avi.addChunk(video, patternBytes(50));
+    for (int i = 0; i < 4; ++i)
+        avi.addChunk(audio, patternBytes(20));
+    openFile(avi.build());
+
+    EXPECT_EQ(timesOfSamples(readAll(1)), (std::vector<int64_t>{0, 10000, 20000, 30000}));
+}
+
+TEST_F(AudioTimes, WithoutRateTimesAreZero) {
+    for (const uint32_t sampleSize : {0u, 1u, 4u}) {
+        SCOPED_TRACE(sampleSize);
+        Stream stream = alawStream();
+        stream.header.rate = 0;
+        stream.header.sampleSize = sampleSize;
+        EXPECT_EQ(timesOf(stream, {40, 40}), (std::vector<int64_t>{0, 0}));
+    }
+}
+
+TEST_F(AudioTimes, WithoutScaleTimesAreZero) {
+    Stream stream = alawStream();
+    stream.header.scale = 0;
+    EXPECT_EQ(timesOf(stream, {40, 40}), (std::vector<int64_t>{0, 0}));
+}
+
+TEST_F(AudioTimes, MidiIsTimedAsAudio) {
+    Stream stream = alawStream();
+    stream.header.type = "midi";
+    EXPECT_EQ(timesOf(stream, {8000, 40}), (std::vector<int64_t>{0, 1000000}));
+}
+
+// 40 chunks of 64 MiB by their index, none of which the file holds, then small ones. The bytes
+// before a chunk count as a signed number of 32 bits and a time is never negative.
+TEST_F(AudioTimes, BytesBeyond2GiBDoNotMakeTimesNegative) {
+    constexpr size_t kLarge = 40;
+    AviFile avi = fileOf(alawStream(), {patternBytes(10)});
+    avi.segment().index.edit = [](std::vector<Idx1Entry>& index) {
+        Idx1Entry large = index[0];
+        large.length = 64 * 1024 * 1024;
+        index.insert(index.begin(), kLarge, large);
+    };
+    openFile(avi.build());
+
+    RecordingGroup group(64);
+    const std::unique_ptr<Track> source = track(0);
+    android::CMediaTrack* plain = source->plain();
+    ASSERT_EQ(plain->start(plain->data, group.plain()), AMEDIA_OK);
+    android::CMediaBuffer* buffer = nullptr;
+    for (size_t i = 0; i < kLarge; ++i)
+        EXPECT_EQ(plain->read(plain->data, &buffer, 0, 0), AMEDIA_ERROR_END_OF_STREAM);
+    ASSERT_EQ(plain->read(plain->data, &buffer, 0, 0), AMEDIA_OK);
+
+    EXPECT_EQ(sampleOf(android::service::BufferHandle(buffer)).timeUs, 0);
+    EXPECT_EQ(source->stop(), AMEDIA_OK);
+}
+
+// 65 chunks of 64 MiB: the running total has gone once around.
+TEST_F(AudioTimes, RunningTotalsWrapAt4GiB) {
+    constexpr size_t kLarge = 65;
+    AviFile avi = fileOf(alawStream(), {patternBytes(10)});
+    avi.segment().index.edit = [](std::vector<Idx1Entry>& index) {
+        Idx1Entry large = index[0];
+        large.length = 64 * 1024 * 1024;
+        index.insert(index.begin(), kLarge, large);
+    };
+    openFile(avi.build());
+
+    RecordingGroup group(64);
+    const std::unique_ptr<Track> source = track(0);
+    android::CMediaTrack* plain = source->plain();
+    ASSERT_EQ(plain->start(plain->data, group.plain()), AMEDIA_OK);
+    android::CMediaBuffer* buffer = nullptr;
+    for (size_t i = 0; i < kLarge; ++i)
+        EXPECT_EQ(plain->read(plain->data, &buffer, 0, 0), AMEDIA_ERROR_END_OF_STREAM);
+    ASSERT_EQ(plain->read(plain->data, &buffer, 0, 0), AMEDIA_OK);
+
+    // 64 MiB of 8000 bytes a second are before it.
+    EXPECT_EQ(sampleOf(android::service::BufferHandle(buffer)).timeUs, 8388608000);
+    EXPECT_EQ(source->stop(), AMEDIA_OK);
+}
+
+}  // namespace
+}  // namespace avitest

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// How much memory the whole program, the plug-in included, asks for while an object of this class
+// lives. Counts malloc, calloc, realloc and what C++ builds on them, whether or not the memory is
+// ever touched. One object at a time; allocations may come from any thread.
+
+#pragma once
+
+#include <cstddef>
+
+namespace avitest {
+
+class AllocationWatch {
+  public:
+    AllocationWatch();
+    AllocationWatch(const AllocationWatch&) = delete;
+    AllocationWatch& operator=(const AllocationWatch&) = delete;
+
+    // The largest single request so far, in bytes.
+    size_t largest() const;
+    // The most memory held at one time beyond what was held at the beginning, in bytes.
+    size_t peak() const;
+};
+
+}  // namespace avitest

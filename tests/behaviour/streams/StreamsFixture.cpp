@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tests/behaviour/streams/StreamsFixture.h"
+
+#include <algorithm>
+
+namespace avitest {
+
+using android::service::Fault;
+
+namespace {
+
+constexpr size_t kChunksPerStream = 3;
+constexpr size_t kChunkBytes = 48;  // whole blocks of every audio format used here
+
+bool isAudio(const Stream& stream) {
+    return std::holds_alternative<WaveFormat>(stream.format);
+}
+
+Bytes chunkData(const Stream& stream, size_t number, size_t chunk) {
+    Bytes data = patternBytes(kChunkBytes, static_cast<uint32_t>(16 * number + chunk));
+    if (isAudio(stream)) {
+        const Bytes header = {0xFF, 0xFB, 0x90, 0x00};  // Layer III, 128 kbit/s, 44100 Hz
+        std::copy(header.begin(), header.end(), data.begin());
+    }
+    return data;
+}
+
+}  // namespace
+
+LogLine dropped() {
+    return error("parseSTRL(): Something wrong, skip the track!");
+}
+
+Stream mjpegStream() {
+    return videoStream("MJPG", 320, 240, 25);
+}
+
+Stream pcmStream() {
+    return pcmStream(2, 8000, 16);
+}
+
+Stream videoWithExtra(ChunkId compression, Bytes extra) {
+    Stream result = videoStream(compression, 320, 240, 25);
+    std::get<BitmapInfo>(result.format).extra = std::move(extra);
+    return result;
+}
+
+Stream audioWithExtra(uint16_t formatTag, Bytes extra) {
+    Stream result = audioOfTag(formatTag);
+    std::get<WaveFormat>(result.format).extra = std::move(extra);
+    return result;
+}
+
+Stream audioOfTag(uint16_t formatTag) {
+    Stream result = frameAudioStream(formatTag, 2, 44100, 1152);
+    auto& wave = std::get<WaveFormat>(result.format);
+    switch (formatTag) {
+        case 0x0001:
+            wave.bitsPerSample = 16;
+            break;
+        case 0x0002:
+        case 0x0011:
+            wave.bitsPerSample = 4;
+            break;
+        case 0x0006:
+        case 0x0007:
+        case 0x0101:
+        case 0x0102:
+            wave.bitsPerSample = 8;
+            break;
+        default:
+            break;
+    }
+    return result;
+}
+
+Bytes formatBytes(const Stream& stream) {
+    if (const auto* wave = std::get_if<WaveFormat>(&stream.format)) return wave->toBytes();
+    return std::get<BitmapInfo>(stream.format).toBytes();
+}
+
+Bytes vorbisHeaders() {
+    ByteWriter out;
+    out.u8(2).u8(30).u8(20);
+    out.u8(1).bytes(patternBytes(29, 1));
+    out.u8(3).bytes(patternBytes(19, 2));
+    out.u8(5).bytes(patternBytes(39, 3));
+    return out.take();
+}
+
+AviFile fileOf(std::vector<Stream> streams) {
+    AviFile avi;
+    for (const Stream& stream : streams)
+        avi.addStream(stream);
+    for (size_t chunk = 0; chunk < kChunksPerStream; ++chunk) {
+        for (size_t number = 0; number < streams.size(); ++number)
+            avi.addChunk(number, chunkData(streams[number], number, chunk));
+    }
+    return avi;
+}
+
+Bytes streamBytes(const AviFile& avi, size_t stream) {
+    Bytes result;
+    for (const MoviChunk& chunk : avi.chunks(stream))
+        result.insert(result.end(), chunk.data().begin(), chunk.data().end());
+    return result;
+}
+
+void editStream(AviFile& avi, size_t stream, std::function<void(Chunk& strl)> edit) {
+    avi.stream(stream).edit = std::move(edit);
+}
+
+size_t StreamsFixture::open(Bytes file) {
+    openFile(std::move(file));
+    return HasFatalFailure() ? 0 : countTracks();
+}
+
+size_t StreamsFixture::openLogged(AviFile& avi) {
+    setProperty(kExtractLogProperty, "1");
+    return open(avi);
+}
+
+size_t StreamsFixture::openFaulty(Bytes file, const std::vector<Fault>& faults) {
+    auto& source = mSources.emplace_back(mMemory.emplace_back(std::move(file)));
+    for (const Fault& fault : faults)
+        source.inject(fault);
+    openSource(source);
+    return HasFatalFailure() ? 0 : countTracks();
+}
+
+size_t StreamsFixture::openUnreadable(AviFile& avi, const std::string& mark, off64_t begin) {
+    Bytes file = avi.build();
+    const ChunkPlace place = avi.place(mark);
+    const auto data = static_cast<off64_t>(place.dataOffset);
+    const auto end = data + static_cast<off64_t>(place.dataSize);
+    return openFaulty(std::move(file), {Fault::shortRead(1).onOffsets(data + begin, end)});
+}
+
+bool StreamsFixture::becomesTrack(Stream stream) {
+    AviFile avi = fileOf({std::move(stream), mjpegStream()});
+    mLog.clear();
+    const size_t tracks = open(avi);
+    EXPECT_THAT(tracks, ::testing::AnyOf(1u, 2u));
+    EXPECT_EQ(2 - tracks, countOf(dropped().text));
+    return tracks == 2;
+}
+
+std::string StreamsFixture::mime(size_t track) {
+    return trackFormat(track).getString(AMEDIAFORMAT_KEY_MIME).value_or("none");
+}
+
+std::optional<int32_t> StreamsFixture::int32Of(size_t track, const char* key) {
+    return trackFormat(track).getInt32(key);
+}
+
+Bytes StreamsFixture::trackBytes(size_t track) {
+    Bytes result;
+    for (const Sample& sample : readAll(track))
+        result.insert(result.end(), sample.bytes.begin(), sample.bytes.end());
+    return result;
+}
+
+}  // namespace avitest

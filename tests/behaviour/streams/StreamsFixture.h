@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the tests of stream lists share: a log that is recorded from before the file is opened until
+// its extractor is gone, small files of given streams, and sources that fail in chosen places.
+// Tracks get fewer than ten samples: codec configuration that is found in video samples starts at
+// the tenth and is none of these tests' matter. One thread.
+
+#pragma once
+
+#include <deque>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "service/FaultySource.h"
+#include "service/MemorySource.h"
+#include "tests/support/AviBuilder.h"
+#include "tests/support/ExtractorFixture.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/LogLines.h"
+
+namespace avitest {
+
+// Any line, of whatever priority, that contains the text.
+MATCHER_P(TextWith, text, "line with '" + std::string(text) + "'") {
+    (void)result_listener;  // the printed log says it all
+    return arg.text.find(text) != std::string::npos;
+}
+
+// A line of an error status that is passed up: only the line number is left open.
+MATCHER_P2(Failure, function, status, std::string(function) + "(): error -" + status) {
+    (void)result_listener;
+    const std::string text = std::string(function) + "(): error -" + status + " @line";
+    return arg.priority == ANDROID_LOG_ERROR && arg.text.compare(0, text.size(), text) == 0;
+}
+
+// The line that reports a dropped stream, always at error priority.
+LogLine dropped();
+
+// Pictures of 320 x 240, 25 a second.
+Stream mjpegStream();
+// 16-bit stereo at 8000 Hz.
+Stream pcmStream();
+// A video stream with bytes behind its bitmap header.
+Stream videoWithExtra(ChunkId compression, Bytes extra);
+// An audio stream of 1152-sample frames, one a chunk, with bytes behind its wave header.
+Stream audioWithExtra(uint16_t formatTag, Bytes extra);
+// A frame audio stream whose samples are of the width that its codec wants (PCM: 16).
+Stream audioOfTag(uint16_t formatTag);
+
+// The payload of strf as bytes, for tests that change its length.
+Bytes formatBytes(const Stream& stream);
+
+// Extra data of a Vorbis stream: packet count, two lengths, identification, comment and setup
+// headers of 30, 20 and 40 bytes.
+Bytes vorbisHeaders();
+
+// A file with these streams, three chunks each, that differ from stream to stream. Chunks of audio
+// begin with an MPEG audio header, so that no codec finds its stream empty of frames.
+AviFile fileOf(std::vector<Stream> streams);
+
+// The payload of a stream's chunks, joined.
+Bytes streamBytes(const AviFile& avi, size_t stream);
+
+// Changes a stream list of the file.
+void editStream(AviFile& avi, size_t stream, std::function<void(Chunk& strl)> edit);
+
+// Exists as a base in front of ExtractorFixture, so that both outlive the extractor.
+class StreamsState {
+  protected:
+    LogCapture mLog;
+    std::deque<android::service::MemorySource> mMemory;
+    std::deque<android::service::FaultySource> mSources;
+};
+
+class StreamsFixture : protected StreamsState, public ExtractorFixture {
+  protected:
+    std::vector<LogLine> log() const { return mLog.lines(); }
+
+    // Opens a file and parses it; answers the number of tracks.
+    size_t open(Bytes file);
+    size_t open(AviFile& avi) { return open(avi.build()); }
+    // The same with the switch for the parsers' verbose lines on.
+    size_t openLogged(AviFile& avi);
+    // The same through a source with faults.
+    size_t openFaulty(Bytes file, const std::vector<android::service::Fault>& faults);
+    // A read that asks for any byte at or behind `begin` of a marked chunk's payload fails.
+    size_t openUnreadable(AviFile& avi, const std::string& mark, off64_t begin);
+
+    // Opens a file of one stream besides a healthy video track, which comes second. Answers whether
+    // the stream became a track, and expects it to be reported when it did not.
+    bool becomesTrack(Stream stream);
+
+    std::string mime(size_t track);
+    std::optional<int32_t> int32Of(size_t track, const char* key);
+    // The bytes of all samples of a track, joined.
+    Bytes trackBytes(size_t track);
+    // Lines that contain the text.
+    size_t countOf(const std::string& text) const { return mLog.count(text); }
+};
+
+}  // namespace avitest
