@@ -56,7 +56,7 @@ MediaTrackHelper* RuvoAVIExtractor::getTrack(size_t index) {
     if (track == nullptr) return nullptr;
     track->info.mIsSubtitle = track->mIsSubtitle;
     return new RuvoAVISource(track->meta.get(), mDataSource.get(), track->info, &track->mTable,
-                             &track->mFormatLock);
+                             mAudioSeekTimes, &track->mFormatLock);
 }
 
 media_status_t RuvoAVIExtractor::getTrackMetaData(AMediaFormat* out, size_t index, uint32_t flags) {
@@ -134,6 +134,7 @@ status_t RuvoAVIExtractor::readMetaData() {
     mFileSize = mDataSource->getSize(&size) == OK ? size : 0;
     AVI_LOGD("%s(): mFileSize: %lld.", "readMetaData", ll(mFileSize));
 
+    mIndexEntriesLeft = mFileSize / kChunkHeaderSize;
     status_t err = listRiffSegments();
     if (err != OK) return err;
     err = mInitCheck = parseFirstRIFF();
@@ -187,6 +188,10 @@ status_t RuvoAVIExtractor::readBuffer(int64_t offset, size_t size, sp<ABuffer>* 
     if (!readExactly(offset, buffer->data(), size)) return ERROR_IO;
     *out = buffer;
     return OK;
+}
+
+status_t RuvoAVIExtractor::readSample(const Track& track, size_t i, sp<ABuffer>* out) const {
+    return readBuffer(track.mTable.mSampleOffsets[i], chunkSize(track, i), out);
 }
 
 }  // namespace android

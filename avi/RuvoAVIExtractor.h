@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "Track.h"
+#include "codec/AacConfig.h"
 #include "riff/ChunkWalker.h"
 #include "support/MediaFormat.h"
 
@@ -68,6 +69,7 @@ class RuvoAVIExtractor : public MediaExtractorPluginHelper {
     };
     struct MoreRiffState {
         bool movi = false;
+        bool index = false;
         bool tooManyUnknown = false;
         uint32_t unknownChunks = 0;
     };
@@ -94,6 +96,7 @@ class RuvoAVIExtractor : public MediaExtractorPluginHelper {
     status_t parseSTRL(int64_t start, int64_t end, uint32_t streamIndex);
     bool parseStreamChunk(const ChunkWalker& chunk, StreamListState* seen);
     bool parseUniqueStreamChunk(const ChunkWalker& chunk, StreamListState* seen);
+    void parseStreamIndex(int64_t start, int64_t end);
     void addTrack(uint32_t streamIndex);
     void dropCurrentTrack();
 
@@ -110,6 +113,7 @@ class RuvoAVIExtractor : public MediaExtractorPluginHelper {
     status_t parseSTRF(int64_t offset, int64_t end);
     void detectSubtitle(const StreamFormat& format);
     void putVideoFirst();
+    bool readAudioExtraSize(StreamFormat* format, size_t rest, size_t* out);
     status_t readExtraData(StreamFormat* format);
 
     // riff/AudioFormat.cpp
@@ -120,6 +124,36 @@ class RuvoAVIExtractor : public MediaExtractorPluginHelper {
     void applyBitmapInfo(const StreamFormat& format);
     void readAvcRecord(const StreamFormat& format);
 
+    // codec/, one file a codec
+    status_t generateVideoCodecData(Track* track);
+    void probeAvcFraming(Track* track);
+    void checkSampleAspectRatio(Track* track);
+    status_t generateAvcCodecData(Track* track);
+    status_t generateHevcCodecData(Track* track);
+    void generateMPEG2CodecData(Track* track);
+    void generateAudioCodecData(Track* track);
+    void generateAACCodecData(Track* track);
+    bool readAdtsProbe(const Track& track, size_t i, uint8_t (*out)[kAdtsProbeBytes]) const;
+    void publishAacConfig(const uint8_t (&header)[kAdtsProbeBytes], Track* track);
+    void generatePCMCodecData(Track* track);
+    void generateAC3CodecData(Track* track);
+    void generateDtsCodecData(Track* track);
+
+    // codec/MpegAudioCodecData.cpp
+    struct MpegAudioStart {
+        size_t sampleIndex = 0;
+        size_t offset = 0;    // in the sample
+        uint32_t header = 0;  // 0: none
+    };
+    struct MpegAudioProbe;
+    void generateMPEGCodecData(Track* track);
+    void enableBlockMode(Track* track, uint32_t samplesPerFrame);
+    status_t findMP3Header(const Track& track, MpegAudioStart* out) const;
+    status_t findMP3HeaderIn(const Track& track, const MpegAudioProbe& probe,
+                             MpegAudioStart* out) const;
+    status_t readSuccessor(const Track& track, const MpegAudioProbe& probe, size_t position,
+                           uint32_t* out) const;
+
     // index/SampleTable.cpp
     status_t addSample(const RuvoAVISample* sample, Track* track);
     status_t addSampleById(uint32_t streamNumber, const RuvoAVISample* sample);
@@ -129,6 +163,28 @@ class RuvoAVIExtractor : public MediaExtractorPluginHelper {
     // index/LegacyIndex.cpp
     status_t parseIDX1(int64_t start, int64_t end);
     int addIdx1Entries(const uint8_t* bytes, size_t size, bool isFirstBatch);
+
+    // index/OpenDmlIndex.cpp
+    status_t parseINDX(int64_t start, int64_t end);
+    status_t parseSuperIndex(int64_t start, const RuvoAVIIndexChunk& header);
+    status_t parseStandardIndexAt(uint64_t position, uint32_t size);
+    status_t parseChunkIndex(int64_t start, int64_t end, const RuvoAVIIndexChunk* known);
+    bool readIndexHeader(int64_t start, RuvoAVIIndexChunk* out) const;
+    status_t addStandardEntries(int64_t entries, const RuvoAVIIndexChunk& header, uint32_t* added);
+    bool takeIndexEntries(uint32_t count);
+    void logChunkIndexEnd(const RuvoAVIIndexChunk& header, uint32_t added, int64_t position);
+
+    // index/MoviScan.cpp
+    struct MoviScanState {
+        uint32_t unknownChunks = 0;
+        uint32_t emptyHeaders = 0;  // in a row
+        bool done = false;
+    };
+    status_t parseMOVIMore();
+    void scanChunk(const ChunkWalker& chunk, MoviScanState* scan);
+    void scanRecordList(const ChunkWalker& list, MoviScanState* scan);
+    bool reachesUnknownLimit(MoviScanState* scan);
+    status_t parseDataChunk(uint32_t offset, FourCC id, uint32_t size, uint32_t* emptyHeaders);
 
     // index/Finish.cpp
     status_t finishParse();
@@ -146,6 +202,8 @@ class RuvoAVIExtractor : public MediaExtractorPluginHelper {
     bool fitsInFile(int64_t offset, size_t size) const;
     // Reads a payload into a new buffer: ERROR_IO when the file does not hold it, NO_MEMORY.
     status_t readBuffer(int64_t offset, size_t size, sp<ABuffer>* out) const;
+    // Reads chunk i of a track whole, likewise.
+    status_t readSample(const Track& track, size_t i, sp<ABuffer>* out) const;
 
     std::unique_ptr<DataSourceHelper> mDataSource;
     int64_t mFileSize = 0;
@@ -157,6 +215,7 @@ class RuvoAVIExtractor : public MediaExtractorPluginHelper {
     uint32_t mWidth = 0;      // of the main header
     uint32_t mHeight = 0;
     uint32_t mNumStreams = 0;
+    int64_t mIndexEntriesLeft = 0;  // OpenDML index entries that an honest file may still have
     uint32_t mIndexOffsetBase = 0;  // what idx1 offsets are relative to
 
     bool mHasVideo = false;  // at least one good track of the kind

@@ -29,6 +29,20 @@ struct RuvoAVISample {
     uint8_t isSyncSample;  // 1 for a key sample, else 0
 };
 
+// The header of an OpenDML index chunk.
+// u16 longsPerEntry | u8 indexSubType | u8 indexType | u32 entriesInUse | fourcc chunkId |
+// u64 base offset | u32 reserved
+struct RuvoAVIIndexChunk {
+    uint16_t longsPerEntry = 0;
+    uint8_t indexSubType = 0;
+    uint8_t indexType = 0;
+    uint32_t entriesInUse = 0;
+    FourCC chunkId{};
+    uint32_t baseOffsetL = 0;
+    uint32_t baseOffsetH = 0;
+    uint32_t reserved3 = 0;
+};
+
 // Where the audio tracks of a file should resume after a video seek. One record an audio track,
 // shared by all sources of the file; each time is read and written as a single value.
 struct RuvoAVISeekTime : public RefBase {
@@ -46,6 +60,12 @@ struct SampleTable {
     Vector<int32_t> mSampleBlockSizes;  // running totals of audio blocks, block mode only
 
     size_t size() const { return mSampleSizes.size(); }
+
+    // Key flag of sample i: 0, 1, or negative for one that its data confirmed; 0 where the track
+    // has no flags.
+    int8_t syncFlag(size_t i) const {
+        return i < mSampleSyncs.size() ? mSampleSyncs[i] : int8_t{0};
+    }
 
     // Bytes of the stream before chunk i; 0 in a table of sizes. REQUIRES: i < size().
     uint32_t bytesBefore(size_t i, bool runningTotals) const {
@@ -120,5 +140,17 @@ struct Track {
     bool mNeedCodecData = false;           // the decoder wants configuration from the first samples
     bool mIsIncludeExpensiveMeta = false;  // the thumbnail time is in meta
 };
+
+// How the samples of an AVC stream are framed: TrackInfo::mAVCStyle.
+constexpr int32_t kLengthPrefixes = 0;
+constexpr int32_t kStartCodes = 1;
+
+// The track's MIME type, valid until it is asked for again. Every track has one: aborts otherwise.
+const char* trackMime(const Track& track);
+
+// Size in bytes of chunk i. REQUIRES: i < track.mTable.size().
+inline uint32_t chunkSize(const Track& track, size_t i) {
+    return track.mTable.chunkSize(i, track.info.mSampleSize != 0);
+}
 
 }  // namespace android

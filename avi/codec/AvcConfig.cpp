@@ -3,7 +3,9 @@
 
 #include <media/stagefright/MediaErrors.h>
 #include <media/stagefright/foundation/ByteUtils.h>
+#include <media/stagefright/foundation/avc_utils.h>
 
+#include "support/ByteWriter.h"
 #include "support/Log.h"
 
 namespace android {
@@ -11,12 +13,19 @@ namespace android {
 namespace {
 
 constexpr size_t kMinRecordSize = 7;
-constexpr uint8_t kNalTypeMask = 0x1F;
-constexpr uint8_t kPictureParameterSet = 8;
 
 status_t malformedRecord(int line) {
     AVI_LOG_FAILURE("parseAVCCodecSpecificData", ERROR_MALFORMED, line);
     return ERROR_MALFORMED;
+}
+
+// Offset of the header of the first NAL unit of a type behind a start code; 0 when there is none.
+size_t nalHeaderOfType(const uint8_t* data, size_t size, uint8_t type) {
+    for (size_t i = 3; i < size; ++i) {
+        const bool startCode = data[i - 3] == 0 && data[i - 2] == 0 && data[i - 1] == 1;
+        if (startCode && (data[i] & kNalTypeMask) == type) return i;
+    }
+    return 0;
 }
 
 // Steps over `count` parameter sets, each with a 16-bit big-endian length in front.
@@ -43,11 +52,59 @@ ssize_t findStartCode(const uint8_t* data, size_t size) {
 }
 
 bool hasPictureParameterSet(const uint8_t* data, size_t size) {
-    for (size_t i = 3; i < size; ++i) {
-        const bool startCode = data[i - 3] == 0 && data[i - 2] == 0 && data[i - 1] == 1;
-        if (startCode && (data[i] & kNalTypeMask) == kPictureParameterSet) return true;
+    return nalHeaderOfType(data, size, kNalPictureParameterSet) != 0;
+}
+
+size_t findSequenceParameterSet(const uint8_t* data, size_t size) {
+    const size_t header = nalHeaderOfType(data, size, kNalSequenceParameterSet);
+    return header == 0 ? 0 : header - 3;
+}
+
+sp<ABuffer> findNALUnit(const uint8_t* data, size_t size, uint8_t type) {
+    const uint8_t* unit = nullptr;
+    size_t unitSize = 0;
+    while (getNextNALUnit(&data, &size, &unit, &unitSize, true) == OK) {
+        if (unitSize == 0 || (unit[0] & kNalTypeMask) != type) continue;
+        return ABuffer::CreateAsCopy(unit, unitSize);
     }
-    return false;
+    return nullptr;
+}
+
+IdrSearch findFirstIdr(const uint8_t* data, size_t size) {
+    IdrSearch search;
+    for (;;) {
+        const ssize_t code = findStartCode(data + search.searchStart, size - search.searchStart);
+        if (code < 0) return search;
+        search.position = search.searchStart + static_cast<size_t>(code);
+        const bool fourBytes = data[search.position + 2] == 0;
+        search.prefixLength = fourBytes ? 4 : 3;
+        const size_t header = search.position + search.prefixLength;
+        search.searchStart = header;
+        if (header >= size) return search;
+        search.found = (data[header] & kNalTypeMask) == kNalIdr;
+        if (search.found) return search;
+    }
+}
+
+// u8 version 1 | u8 profile | u8 constraints | u8 level | u8 length size | u8 SPS count |
+// u16 length | SPS | u8 PPS count | u16 length | PPS
+sp<ABuffer> makeAvcRecord(const sp<ABuffer>& sps, const sp<ABuffer>& pps) {
+    constexpr size_t kFieldsSize = 11;
+    constexpr uint8_t kLengthSizeTwo = 0xFD;  // the decoders get start codes and do not look
+    constexpr uint8_t kOneSps = 0xE1;
+    if (sps->size() > UINT16_MAX || pps->size() > UINT16_MAX) return nullptr;
+    ByteWriter out(kFieldsSize + sps->size() + pps->size());
+    if (!out.ok()) return nullptr;
+    out.u8(1);
+    out.bytes(sps->data() + 1, 3);
+    out.u8(kLengthSizeTwo);
+    out.u8(kOneSps);
+    out.u16(static_cast<uint32_t>(sps->size()));
+    out.bytes(sps->data(), sps->size());
+    out.u8(1);
+    out.u16(static_cast<uint32_t>(pps->size()));
+    out.bytes(pps->data(), pps->size());
+    return out.buffer();
 }
 
 // u8 version | u8 profile | u8 compatibility | u8 level | u8 length size | u8 SPS count | sets |

@@ -5,11 +5,18 @@
 // state; any thread.
 #pragma once
 
+#include <media/stagefright/foundation/ABuffer.h>
 #include <stddef.h>
 #include <stdint.h>
 #include <utils/Errors.h>
+#include <utils/StrongPointer.h>
 
 namespace android {
+
+constexpr uint8_t kNalTypeMask = 0x1F;
+constexpr uint8_t kNalIdr = 5;
+constexpr uint8_t kNalSequenceParameterSet = 7;
+constexpr uint8_t kNalPictureParameterSet = 8;
 
 // Offset of the first start code (00 00 01, or 00 00 00 01 as one of four bytes); -1 when there is
 // none.
@@ -21,5 +28,24 @@ bool hasPictureParameterSet(const uint8_t* data, size_t size);
 // OK when the data is a well-formed AVC decoder configuration record, else ERROR_MALFORMED with a
 // log line.
 status_t parseAVCCodecSpecificData(const uint8_t* data, size_t size);
+
+// Offset of the first sequence parameter set's start code of three bytes; 0 when there is none.
+size_t findSequenceParameterSet(const uint8_t* data, size_t size);
+
+// The first NAL unit of a type, without its start code, as a copy; null when there is none.
+sp<ABuffer> findNALUnit(const uint8_t* data, size_t size, uint8_t type);
+
+// Where the first IDR picture begins, or where the search for it ended.
+struct IdrSearch {
+    bool found = false;
+    size_t position = 0;      // of the start code
+    size_t searchStart = 0;   // from where the last start code was looked for
+    size_t prefixLength = 0;  // of the last start code
+};
+IdrSearch findFirstIdr(const uint8_t* data, size_t size);
+
+// The decoder configuration record of one sequence and one picture parameter set; null without
+// memory, or when a set is longer than the record can tell. REQUIRES: sps->size() >= 4.
+sp<ABuffer> makeAvcRecord(const sp<ABuffer>& sps, const sp<ABuffer>& pps);
 
 }  // namespace android

@@ -9,7 +9,6 @@
 
 #include "RuvoAVIExtractor.h"
 #include "support/BitRate.h"
-#include "support/Check.h"
 #include "support/Log.h"
 #include "support/Mime.h"
 
@@ -21,13 +20,6 @@ namespace {
 
 // Audio may outlast the video by this much before its duration is taken for a header's mistake.
 constexpr int64_t kMaxAudioOverhangUs = 500000;
-
-const char* trackMime(const Track& track) {
-    const char* mime = nullptr;
-    AVI_CHECK_TEXT(AMediaFormat_getString(track.meta.get(), AMEDIAFORMAT_KEY_MIME, &mime),
-                   "AMediaFormat_getString(track->meta, AMEDIAFORMAT_KEY_MIME, &mime)");
-    return mime;
-}
 
 // Bytes of a stream whose header counts in bytes: by header or by table, whichever is more.
 uint32_t byteTimedTotal(const Track& track) {
@@ -65,6 +57,19 @@ int64_t videoDurationUs(const Track& track) {
 bool publishesBitRate(const char* mime) {
     return isMime(mime, MEDIA_MIMETYPE_AUDIO_AAC) || isMime(mime, MEDIA_MIMETYPE_AUDIO_AC3) ||
            isMime(mime, MEDIA_MIMETYPE_AUDIO_DTS);
+}
+
+// True for raw AAC whose first two chunks differ in size: it is stored one frame a chunk, and timed
+// by counting them.
+bool isVbrWise(const Track& track) {
+    const Vector<int32_t>& sizes = track.mTable.mSampleSizes;
+    if (track.info.mAvgBytesPerSec == 0 || !track.info.mIsRawAACData) return false;
+    for (size_t i = 0; i + 1 < sizes.size(); ++i) {
+        const auto a = static_cast<uint32_t>(sizes[i]);
+        const auto c = static_cast<uint32_t>(sizes[i + 1]);
+        if (a != 0 && c != 0) return a % c != 0 || c % a != 0;
+    }
+    return false;
 }
 
 void logTable(const Track& track, const char* mime, uint32_t totalSize) {
@@ -117,6 +122,9 @@ void RuvoAVIExtractor::finishTrack(Track* track) {
     if (samples == 0) {
         AVI_LOGE("%s(%s): The track doesn't have any samples!", "finishParse", mime);
         track->mBadTrack = true;
+    } else if (track->mIsAudio) {
+        generateAudioCodecData(track);
+        mime = trackMime(*track);
     }
     if (track->mBadTrack) {
         // It stays in the list: players number their tracks by the streams of the file.
@@ -140,6 +148,7 @@ status_t RuvoAVIExtractor::updateSamples(Track* track) {
         AVI_LOG_FAILURE("updateSamples", ERROR_MALFORMED, __LINE__);
         return ERROR_MALFORMED;
     }
+    track->info.mIsVBRWise = isVbrWise(*track);
     const char* mime = trackMime(*track);
     int64_t durationUs = 0;
     uint32_t totalSize = 0;

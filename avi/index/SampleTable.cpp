@@ -9,6 +9,9 @@ namespace android {
 
 namespace {
 
+// Enough samples of a video track to tell how it is framed, while the index is still being read.
+constexpr size_t kSamplesBeforeCodecData = 10;
+
 // Every chunk has an 8-byte header, so a file cannot hold more chunks than this.
 size_t maxSamples(int64_t fileSize) {
     return fileSize < 0 ? 0 : static_cast<size_t>(fileSize / kChunkHeaderSize);
@@ -60,6 +63,7 @@ status_t RuvoAVIExtractor::addSample(const RuvoAVISample* sample, Track* track) 
         entry = wrapAdd32(static_cast<uint32_t>(table->mSampleSizes.top()), sample->size);
     }
     table->mSampleSizes.push_back(static_cast<int32_t>(entry));
+    if (track->mIsVideo && table->size() == kSamplesBeforeCodecData) generateVideoCodecData(track);
     return OK;
 }
 

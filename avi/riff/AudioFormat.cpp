@@ -21,7 +21,6 @@ namespace {
 constexpr uint16_t kTagMp3 = 0x55;
 constexpr uint16_t kTagWma1 = 0x160;
 constexpr uint16_t kTagWma2 = 0x161;
-constexpr uint16_t kTagExtensible = 0xFFFE;
 
 constexpr uint32_t kSamplesPerMp3Frame = 1152;
 
@@ -47,7 +46,7 @@ WaveFormat readWaveFormat(const StreamFormat& format) {
 
 // Five channels are a writer's way of saying 5.1; the extensible format has a channel mask for it.
 int32_t publishedChannels(const WaveFormat& w) {
-    return w.channels == 5 && w.formatTag != kTagExtensible ? 6 : w.channels;
+    return w.channels == 5 && w.formatTag != kWaveTagExtensible ? 6 : w.channels;
 }
 
 // The number that the device's WMA decoder goes by.
@@ -187,7 +186,7 @@ void RuvoAVIExtractor::applyWaveFormat(const StreamFormat& format) {
     logWaveFormat(w, mime, info->mSize);
     addAudioSeekTime(info->mStreamIndex, mime);
 
-    if (w.formatTag == kTagExtensible && info->mSize != 0) {
+    if (w.formatTag == kWaveTagExtensible && info->mSize != 0) {
         AMediaFormat_setString(meta, AMEDIAFORMAT_KEY_MIME, extensibleSubFormat(track->mCodecData));
     }
     repairMp3SampleSize(info);

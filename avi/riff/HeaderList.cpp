@@ -99,12 +99,9 @@ status_t RuvoAVIExtractor::parseHeaderChunk(const ChunkWalker& chunk, bool* foun
             return OK;
         case fourcc("avih"): {
             const status_t err = parseAVIH(chunk.payload(), chunk.next());
-            if (err != OK) {
-                AVI_LOGE("%s(): parseAVIH err: %d", "parseHDRL", err);
-                return err;
-            }
-            *foundAvih = true;
-            return OK;
+            if (err != OK) AVI_LOGE("%s(): parseAVIH err: %d", "parseHDRL", err);
+            *foundAvih = err == OK;
+            return err;
         }
         case fourcc("LIST"):
             AVI_LOGV("parseHDRL(): type 0x%08x:%c%c%c%c", FOURCC_ARGS(header.type));

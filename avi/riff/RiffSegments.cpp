@@ -12,6 +12,7 @@ constexpr int kLineUnreadableFirstRiffChunk = 4116;
 constexpr int kLineNoMovi = 4208;
 constexpr int kLineNoUsableTrack = 4276;
 constexpr int kLineUnreadableMoreRiffChunk = 4317;
+constexpr int kLineMoreRiffWithoutIndex = 4376;
 constexpr int kLineUnreadableMoreRiff = 4384;
 
 constexpr uint32_t kMaxRiffSize = 0x40000000;  // what OpenDML allows; larger files are tried
@@ -187,6 +188,8 @@ void RuvoAVIExtractor::completeFirstIndex() {
         if (track.mIsVideo) track.info.mBrokenIndex = true;
     }
     AVI_LOGW("%s(): The riff doesn't have index!", "parseFirstRIFF");
+    AVI_LOGW("%s(): Need to parse 'movi' and may take a long time.", "parseFirstRIFF");
+    parseMOVIMore();
 }
 
 // Audio tracks take no part: their header lengths are too often wrong.
@@ -236,6 +239,13 @@ status_t RuvoAVIExtractor::parseMoreRIFF(int64_t offset, size_t n) {
     }
     AVI_LOGV("%s() end @%llX(%lld)", "parseMoreRIFF", ull(chunk.next()), ll(chunk.next()));
     if (!found.movi) return ERROR_MALFORMED;
+    if (!found.index) {
+        AVI_LOGW(
+            "%s(): This riff doesn't have index. May take a long time to parse 'movi' "
+            "chunk!@L%d",
+            "parseMoreRIFF", kLineMoreRiffWithoutIndex);
+        parseMOVIMore();
+    }
     return OK;
 }
 
@@ -249,6 +259,7 @@ status_t RuvoAVIExtractor::parseMoreRiffChunk(const ChunkWalker& chunk, size_t n
         case fourcc("idx4"):
             AVI_LOGV("%s(): found idx%zu", "parseMoreRIFF", n + 1);
             mHasIndex = false;
+            found->index = true;
             return found->movi ? parseIDX1(chunk.payload(), chunk.next()) : OK;
         case fourcc("JUNK"):
             return OK;

@@ -88,6 +88,21 @@ void RuvoAVIExtractor::putVideoFirst() {
     AVI_LOGD("%s(): Put video track on the front.", "parseSTRF");
 }
 
+// Reads the size of the extra data behind a wave format; the data begins behind it when the size is
+// possible. False when it cannot be read.
+bool RuvoAVIExtractor::readAudioExtraSize(StreamFormat* format, size_t rest, size_t* out) {
+    uint8_t bytes[2];
+    if (!readExactly(format->offset + int64_t{kWaveFormatSize}, bytes, sizeof(bytes))) return false;
+    *out = size_t{bytes[0]} | size_t{bytes[1]} << 8;
+    // Compared with all bytes behind the header, so that writers which count the size field itself
+    // are accepted; a rest of 64 KiB and more counts by its low 16 bits.
+    if (((rest & ~size_t{0xFFFF}) | *out) > rest) return true;
+    format->headerSize += sizeof(bytes);
+    currentTrack()->info.mSize = static_cast<uint16_t>(*out);
+    AVI_LOGV("%s(): aHeader.size = %d", "parseSTRF", currentTrack()->info.mSize);
+    return true;
+}
+
 // Keeps the codec-private bytes in the track. What is too short or contradicts itself is skipped.
 status_t RuvoAVIExtractor::readExtraData(StreamFormat* format) {
     Track* track = currentTrack();
@@ -97,19 +112,8 @@ status_t RuvoAVIExtractor::readExtraData(StreamFormat* format) {
     size_t extraSize = rest;
     bool valid = track->mIsVideo && rest >= kMinVideoRest;
     if (track->mIsAudio && rest >= kMinAudioRest) {
-        uint8_t bytes[2];
-        if (!readExactly(format->offset + kWaveFormatSize, bytes, sizeof(bytes))) {
-            return failure(ERROR_IO, __LINE__);
-        }
-        extraSize = size_t{bytes[0]} | size_t{bytes[1]} << 8;
-        // Compared with all bytes behind the header, so that writers which count the size field
-        // itself are accepted; a rest of 64 KiB and more counts by its low 16 bits.
-        valid = ((rest & ~size_t{0xFFFF}) | extraSize) <= rest;
-        if (valid) {
-            format->headerSize += sizeof(bytes);
-            track->info.mSize = static_cast<uint16_t>(extraSize);
-            AVI_LOGV("%s(): aHeader.size = %d", "parseSTRF", track->info.mSize);
-        }
+        if (!readAudioExtraSize(format, rest, &extraSize)) return failure(ERROR_IO, __LINE__);
+        valid = format->headerSize > kWaveFormatSize;
     }
     if (!valid) {
         AVI_LOGW("%s(): skip invalid codec data %zd bytes", "parseSTRF",

@@ -85,6 +85,9 @@ bool RuvoAVIExtractor::parseStreamChunk(const ChunkWalker& chunk, StreamListStat
             }
             parseVPRP(chunk.payload(), chunk.next());
             return true;
+        case fourcc("indx"):
+            parseStreamIndex(chunk.payload(), chunk.next());
+            return true;
         case fourcc("JUNK"):
             return true;
         case fourcc("LIST"):
@@ -94,6 +97,15 @@ bool RuvoAVIExtractor::parseStreamChunk(const ChunkWalker& chunk, StreamListStat
         default:
             AVI_LOGW("parseSTRL(): unknown chunk 0x%08x:%c%c%c%c", FOURCC_ARGS(header.id));
             return true;
+    }
+}
+
+// A track is indexed from its OpenDML index completely or not at all.
+void RuvoAVIExtractor::parseStreamIndex(int64_t start, int64_t end) {
+    if (parseINDX(start, end) == OK) {
+        mCurrentTrack->mINDXValid = true;
+    } else {
+        clearSamples(currentTrack());
     }
 }
 

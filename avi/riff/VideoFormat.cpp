@@ -19,9 +19,6 @@ namespace android {
 
 namespace {
 
-constexpr int32_t kLengthPrefixes = 0;
-constexpr int32_t kStartCodes = 1;
-
 // u32 size | i32 width | i32 height | u16 planes | u16 bitCount | fourcc compression |
 // u32 sizeImage | u32 xPelsPerMeter | u32 yPelsPerMeter | u32 clrUsed | u32 clrImportant
 struct BitmapInfo {

@@ -15,31 +15,42 @@
 
 namespace android {
 
-media_status_t RuvoAVISource::read(MediaBufferHelper** out, const ReadOptions* /*options*/) {
+media_status_t RuvoAVISource::read(MediaBufferHelper** out, const ReadOptions* options) {
     const std::lock_guard<std::mutex> lock(mLock);
     AVI_CHECK(mStarted);
     *out = nullptr;
     if (mTable->size() == 0) return endOfStream(prefix(), __LINE__);
 
-    mCurrentSampleIndex = std::max(mCurrentSampleIndex, mInfo.mInvalidSampleIdx);
-    Chunk chunk;
-    if (!nextChunk(&chunk)) return endOfStream(prefix(), __LINE__);
-
-    size_t capacity = 0;
-    media_status_t err = acquireBuffer(&mBuffer, &capacity);
-    if (err != AMEDIA_OK) {
-        AVI_LOG_FAILURE("read", AMEDIA_ERROR_UNKNOWN, __LINE__);
-        return AMEDIA_ERROR_UNKNOWN;
+    Seek request;
+    int64_t seekTimeUs = 0;
+    SeekMode mode = SeekMode::SEEK_PREVIOUS_SYNC;
+    media_status_t err = AMEDIA_OK;
+    if (options != nullptr && options->getSeekTo(&seekTimeUs, &mode)) {
+        err = seek(seekTimeUs, mode, &request);
+        if (err != AMEDIA_OK) return err;
     }
-    AVI_CHECK_TEXT(mBuffer != nullptr, "mBuffer != NULL");
+    mCurrentSampleIndex = std::max(mCurrentSampleIndex, mInfo.mInvalidSampleIdx);
+    if (mCutter.isActive()) return readMpegAudioFrame(request, out);
 
-    err = loadChunk(&chunk, capacity);
+    Chunk chunk;
+    err = loadNextChunk(&chunk);
     if (err != AMEDIA_OK) return err;
     const int64_t timeUs = sampleTimeUs(chunk);
+    if (request.requested) shareSeekTime(chunk, timeUs);
     err = convertPcm(chunk);
     if (err != AMEDIA_OK) return err;
-    publishMetaData(chunk, timeUs);
+    publishMetaData(mBuffer, timeUs, chunk.isSync || mIsAudio);
+    if (request.targetUs >= 0) {
+        AMediaFormat_setInt64(mBuffer->meta_data(), AMEDIAFORMAT_KEY_TARGET_TIME, request.targetUs);
+    }
     return returnBuffer(out);
+}
+
+// Fills mBuffer with the next chunk.
+media_status_t RuvoAVISource::loadNextChunk(Chunk* chunk) {
+    if (!nextChunk(chunk)) return endOfStream(prefix(), __LINE__);
+    const media_status_t err = acquireChunkBuffer();
+    return err == AMEDIA_OK ? loadChunk(chunk) : err;
 }
 
 // Takes the next chunk off the table. Empty chunks are skipped, but for streams that count bytes.
@@ -47,12 +58,12 @@ bool RuvoAVISource::nextChunk(Chunk* out) {
     const bool runningTotals = mInfo.mSampleSize != 0;
     while (mCurrentSampleIndex < mTable->size()) {
         const size_t i = mCurrentSampleIndex++;
+        out->isLoaded = true;
         out->index = i;
         out->offset = mTable->mSampleOffsets[i];
         out->size = mTable->chunkSize(i, runningTotals);
         out->bytesBefore = mTable->bytesBefore(i, runningTotals);
-        out->isSync = mIsVideo && !runningTotals && i < mTable->mSampleSyncs.size() &&
-                      mTable->mSampleSyncs[i] != 0;
+        out->isSync = mIsVideo && !runningTotals && mTable->syncFlag(i) != 0;
         if (out->size != 0 || runningTotals) return true;
     }
     return false;
@@ -69,16 +80,25 @@ media_status_t RuvoAVISource::acquireBuffer(MediaBufferHelper** out, size_t* cap
     return err;
 }
 
+media_status_t RuvoAVISource::acquireChunkBuffer() {
+    if (acquireBuffer(&mBuffer, &mBufferCapacity) != AMEDIA_OK) {
+        AVI_LOG_FAILURE("read", AMEDIA_ERROR_UNKNOWN, __LINE__);
+        return AMEDIA_ERROR_UNKNOWN;
+    }
+    AVI_CHECK_TEXT(mBuffer != nullptr, "mBuffer != NULL");
+    return AMEDIA_OK;
+}
+
 // Fills mBuffer and sets its range.
-media_status_t RuvoAVISource::loadChunk(Chunk* chunk, size_t capacity) {
+media_status_t RuvoAVISource::loadChunk(Chunk* chunk) {
     size_t insertedBytes = 0;
     bool loaded = false;
     if (mIsWVC1) {
-        loaded = loadVc1(chunk, capacity, &insertedBytes);
+        loaded = loadVc1(chunk, &insertedBytes);
     } else if (mIsAVC && mInfo.mAVCStyle == 0 && mInfo.mAVCSizeLength >= 1) {
-        loaded = loadLengthPrefixed(*chunk, capacity);
+        loaded = loadLengthPrefixed(*chunk);
     } else {
-        loaded = loadPlain(*chunk, capacity, 0);
+        loaded = loadPlain(*chunk, 0);
     }
     if (!loaded) return shortRead(*chunk, __LINE__);
     mBuffer->set_range(0, insertedBytes + chunk->size);
@@ -89,17 +109,17 @@ media_status_t RuvoAVISource::loadChunk(Chunk* chunk, size_t capacity) {
     return AMEDIA_OK;
 }
 
-// The common case: one read, straight into the buffer.
-bool RuvoAVISource::loadPlain(const Chunk& chunk, size_t capacity, size_t insertedBytes) {
-    if (insertedBytes > capacity || chunk.size > capacity - insertedBytes) return false;
-    uint8_t* data = static_cast<uint8_t*>(mBuffer->data()) + insertedBytes;
+// The common case: one read, straight into the buffer, from `position` on.
+bool RuvoAVISource::loadPlain(const Chunk& chunk, size_t position) {
+    if (position > mBufferCapacity || chunk.size > mBufferCapacity - position) return false;
+    uint8_t* data = static_cast<uint8_t*>(mBuffer->data()) + position;
     return mDataSource->readAt(chunk.offset, data, chunk.size) == static_cast<ssize_t>(chunk.size);
 }
 
 // VC-1 decoders find frames by their start codes, which most writers leave out. The frame header
 // tells key frames better than the index.
-bool RuvoAVISource::loadVc1(Chunk* chunk, size_t capacity, size_t* insertedBytes) {
-    if (capacity < kStartCodeSize) return false;
+bool RuvoAVISource::loadVc1(Chunk* chunk, size_t* insertedBytes) {
+    if (mBufferCapacity < kStartCodeSize) return false;
     uint8_t bytes[kVc1ProbeBytes] = {};
     const size_t probed = std::min<size_t>(chunk->size, sizeof(bytes));
     if (mDataSource->readAt(chunk->offset, bytes, probed) != static_cast<ssize_t>(probed)) {
@@ -111,14 +131,15 @@ bool RuvoAVISource::loadVc1(Chunk* chunk, size_t capacity, size_t* insertedBytes
         writeVc1StartCode(static_cast<uint8_t*>(mBuffer->data()));
         *insertedBytes = kStartCodeSize;
     }
-    return loadPlain(*chunk, capacity, *insertedBytes);
+    return loadPlain(*chunk, *insertedBytes);
 }
 
 // Decoders take start codes. The published length stays that of the chunk, which is exact for the
 // usual prefixes of four bytes.
-bool RuvoAVISource::loadLengthPrefixed(const Chunk& chunk, size_t capacity) {
+bool RuvoAVISource::loadLengthPrefixed(const Chunk& chunk) {
     const int64_t size = fileSize();
-    if (chunk.size > capacity || (size > 0 && chunk.offset + chunk.size > size)) return false;
+    if (chunk.size > mBufferCapacity || (size > 0 && chunk.offset + chunk.size > size))
+        return false;
     const std::unique_ptr<uint8_t[]> sample(new (std::nothrow) uint8_t[chunk.size]);
     if (sample == nullptr || mDataSource->readAt(chunk.offset, sample.get(), chunk.size) !=
                                  static_cast<ssize_t>(chunk.size)) {
@@ -129,11 +150,12 @@ bool RuvoAVISource::loadLengthPrefixed(const Chunk& chunk, size_t capacity) {
     PrefixedNal unit;
     PrefixedNalReader units(sample.get(), chunk.size, static_cast<size_t>(mInfo.mAVCSizeLength));
     for (unsigned number = 1; units.next(&unit); ++number) {
-        AVI_CHECK_TEXT(dstOffset + kStartCodeSize <= capacity, "dstOffset + 4 <= mBuffer->size()");
+        AVI_CHECK_TEXT(dstOffset + kStartCodeSize <= mBufferCapacity,
+                       "dstOffset + 4 <= mBuffer->size()");
         const size_t remaining = chunk.size - unit.offset;
         if (!unit.isWhole) logMalformedNal(chunk, sample.get(), unit, number);
         dstOffset += writeNalUnit(sample.get() + unit.offset, std::min(unit.length, remaining),
-                                  out + dstOffset, capacity - dstOffset);
+                                  out + dstOffset, mBufferCapacity - dstOffset);
     }
     if (dstOffset < chunk.size) memset(out + dstOffset, 0, chunk.size - dstOffset);
     return true;
@@ -173,9 +195,7 @@ media_status_t RuvoAVISource::convertPcm8(const Chunk& chunk) {
     MediaBufferHelper* wide = nullptr;
     size_t capacity = 0;
     if (acquireBuffer(&wide, &capacity) != AMEDIA_OK) {
-        releaseBuffer();
-        return fileSize() < 1 ? endOfStream(prefix(chunk), __LINE__)
-                              : unknownError(prefix(chunk), __LINE__);
+        return bufferFailure(chunk, __LINE__);
     }
     AVI_CHECK_TEXT(wide != nullptr, "tmp != NULL");
     const size_t size = std::min<size_t>(chunk.size, capacity / 2);
@@ -187,17 +207,23 @@ media_status_t RuvoAVISource::convertPcm8(const Chunk& chunk) {
     return AMEDIA_OK;
 }
 
-void RuvoAVISource::publishMetaData(const Chunk& chunk, int64_t timeUs) {
-    AMediaFormat* meta = mBuffer->meta_data();
+void RuvoAVISource::publishMetaData(MediaBufferHelper* buffer, int64_t timeUs, bool isSync) {
+    AMediaFormat* meta = buffer->meta_data();
     AMediaFormat_clear(meta);  // a reused buffer still has the keys of its last sample
     AMediaFormat_setInt64(meta, AMEDIAFORMAT_KEY_TIME_US, timeUs);
-    if (chunk.isSync || mIsAudio) AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_IS_SYNC_FRAME, 1);
+    if (isSync) AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_IS_SYNC_FRAME, 1);
 }
 
 media_status_t RuvoAVISource::returnBuffer(MediaBufferHelper** out) {
     *out = mBuffer;
     mBuffer = nullptr;
     return AMEDIA_OK;
+}
+
+// No second buffer, or no data for it: what was loaded is lost.
+media_status_t RuvoAVISource::bufferFailure(const Chunk& chunk, int line) {
+    releaseBuffer();
+    return fileSize() < 1 ? endOfStream(prefix(chunk), line) : unknownError(prefix(chunk), line);
 }
 
 // A chunk that the file does not hold ends the stream: the rest of the file is missing.
@@ -222,9 +248,12 @@ std::string RuvoAVISource::prefix() const {
     return "[" + mMime + "][" + std::to_string(mInfo.mStreamIndex) + "]";
 }
 
+// What stands in front of a log line about a chunk. Joined chunks are told without the type.
 std::string RuvoAVISource::prefix(const Chunk& chunk) const {
-    return prefix() + "[" + std::to_string(chunk.index) + "/" + std::to_string(mTable->size()) +
-           "]";
+    if (!chunk.isLoaded) return prefix();
+    const std::string track =
+        chunk.isJoined ? "[" + std::to_string(mInfo.mStreamIndex) + "]" : prefix();
+    return track + "[" + std::to_string(chunk.index) + "/" + std::to_string(mTable->size()) + "]";
 }
 
 int64_t RuvoAVISource::fileSize() const {

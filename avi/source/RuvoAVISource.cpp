@@ -42,8 +42,15 @@ media_status_t startFailure(int line) {
 }  // namespace
 
 RuvoAVISource::RuvoAVISource(AMediaFormat* format, DataSourceHelper* source, const TrackInfo& info,
-                             SampleTable* table, std::mutex* formatLock)
-    : mFormat(format), mFormatLock(formatLock), mDataSource(source), mInfo(info), mTable(table) {
+                             SampleTable* table, const Vector<sp<RuvoAVISeekTime>>& seekTimes,
+                             std::mutex* formatLock)
+    : mFormat(format),
+      mFormatLock(formatLock),
+      mDataSource(source),
+      mInfo(info),
+      mTable(table),
+      mAudioSeekTimes(seekTimes),
+      mCutter(info) {
     const std::lock_guard<std::mutex> lock(*mFormatLock);
     mMime = mimeOf(mFormat);
     const char* mime = mMime.c_str();
@@ -61,7 +68,7 @@ RuvoAVISource::RuvoAVISource(AMediaFormat* format, DataSourceHelper* source, con
 }
 
 RuvoAVISource::~RuvoAVISource() {
-    if (mStarted) stop();
+    if (mStarted) RuvoAVISource::stop();
 }
 
 media_status_t RuvoAVISource::start() {
@@ -81,15 +88,20 @@ media_status_t RuvoAVISource::start() {
     if (maxInputSize < 1 || static_cast<uint32_t>(maxInputSize) > kMaxBufferBytes) {
         return startFailure(__LINE__);
     }
-    const auto largest = static_cast<uint32_t>(maxInputSize);
-    const bool widens = mIsRawPCM && mInfo.mBitsPerSample == 8;
-    mBufferSize = widens ? 2 * largest : largest + kStartCodeRoom;
+    mBufferSize = bufferSizeFor(static_cast<uint32_t>(maxInputSize));
     mBufferGroup->init(kInitialBuffers, mBufferSize,
                        std::min(kMaxBufferBytes / mBufferSize, kMaxBuffers));
     AVI_LOGD("+ start track %s bufferSize %d", AMediaFormat_toString(format.get()),
              static_cast<int>(mBufferSize));
     mStarted = true;
     return AMEDIA_OK;
+}
+
+// Reading may make a sample larger. REQUIRES: largest <= kMaxBufferBytes.
+uint32_t RuvoAVISource::bufferSizeFor(uint32_t largest) const {
+    if (mIsRawPCM && mInfo.mBitsPerSample == 8) return 2 * largest;  // widened to 16 bits
+    if (mCutter.isActive()) return 4 * largest;  // frames that span chunks, rests in front of one
+    return largest + kStartCodeRoom;
 }
 
 media_status_t RuvoAVISource::stop() {

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The reader of one track: hands out one compressed access unit a call, with its time and sync
-// flag. Invariant: mCurrentSampleIndex names the next chunk; mBuffer is empty between calls.
+// flag. Invariant: mCurrentSampleIndex names the next chunk; mBuffer is empty between calls,
+// but for MPEG audio, where it keeps the rest of a chunk.
 // Threading: every operation holds mLock for its whole run, waits for buffers and the file
 // included. Sources of one file share nothing that is written, but for their tracks' formats, which
 // are only touched under the track's format lock.
@@ -16,6 +17,7 @@
 #include "Track.h"
 #include "source/Conversions.h"
 #include "source/FrameType.h"
+#include "source/MpegAudioCutter.h"
 
 namespace android {
 
@@ -24,7 +26,8 @@ class RuvoAVISource : public MediaTrackHelper {
     // All arguments belong to the extractor, which outlives its sources. `formatLock` guards
     // `format`. What is needed of `info` is copied now.
     RuvoAVISource(AMediaFormat* format, DataSourceHelper* source, const TrackInfo& info,
-                  SampleTable* table, std::mutex* formatLock);
+                  SampleTable* table, const Vector<sp<RuvoAVISeekTime>>& seekTimes,
+                  std::mutex* formatLock);
     ~RuvoAVISource() override;
 
     // Prepares the buffers. AMEDIA_ERROR_MALFORMED when the track's largest sample is unknown, 0 or
@@ -46,6 +49,8 @@ class RuvoAVISource : public MediaTrackHelper {
   private:
     // The chunk that a call of read() works on.
     struct Chunk {
+        bool isLoaded = false;  // false: this call goes on with the rest of an earlier chunk
+        bool isJoined = false;  // stands behind the rest of another one
         size_t index = 0;
         int64_t offset = 0;  // of its data in the file
         uint32_t size = 0;
@@ -54,28 +59,74 @@ class RuvoAVISource : public MediaTrackHelper {
         FrameType type = FrameType::kUnknown;
     };
 
+    // What a seek of this call asked for and led to.
+    struct Seek {
+        bool requested = false;
+        int64_t timeUs = 0;  // where reading resumes
+        int64_t targetUs =
+            -1;  // of the frame that was asked for, where it is not the landing frame
+    };
+
     // source/RuvoAVISource.cpp
+    uint32_t bufferSizeFor(uint32_t largest) const;
     void releaseBuffer();
 
     // source/ReadPath.cpp
     bool nextChunk(Chunk* out);
+    media_status_t loadNextChunk(Chunk* chunk);
     media_status_t acquireBuffer(MediaBufferHelper** out, size_t* capacity);
-    media_status_t loadChunk(Chunk* chunk, size_t capacity);
-    bool loadPlain(const Chunk& chunk, size_t capacity, size_t insertedBytes);
-    bool loadVc1(Chunk* chunk, size_t capacity, size_t* insertedBytes);
-    bool loadLengthPrefixed(const Chunk& chunk, size_t capacity);
+    media_status_t acquireChunkBuffer();
+    media_status_t loadChunk(Chunk* chunk);
+    bool loadPlain(const Chunk& chunk, size_t position);
+    bool loadVc1(Chunk* chunk, size_t* insertedBytes);
+    bool loadLengthPrefixed(const Chunk& chunk);
     void logMalformedNal(const Chunk& chunk, const uint8_t* sample, const PrefixedNal& unit,
                          unsigned number) const;
     media_status_t convertPcm(const Chunk& chunk);
     media_status_t convertPcm8(const Chunk& chunk);
-    void publishMetaData(const Chunk& chunk, int64_t timeUs);
+    void publishMetaData(MediaBufferHelper* buffer, int64_t timeUs, bool isSync);
     media_status_t returnBuffer(MediaBufferHelper** out);
     media_status_t shortRead(const Chunk& chunk, int line);
     media_status_t endOfStream(const std::string& prefix, int line);
     media_status_t unknownError(const std::string& prefix, int line);
+    media_status_t bufferFailure(const Chunk& chunk, int line);
     std::string prefix() const;
     std::string prefix(const Chunk& chunk) const;
     int64_t fileSize() const;
+
+    // source/MpegAudioRead.cpp
+    media_status_t readMpegAudioFrame(const Seek& seek, MediaBufferHelper** out);
+    media_status_t loadMpegAudioChunk(Chunk* chunk);
+    media_status_t appendMpegAudioChunk(size_t offset, size_t left, Chunk* chunk);
+    size_t moveToFront(size_t offset, size_t length);
+    media_status_t cutMpegAudioFrame(const Chunk& chunk, int64_t chunkTimeUs,
+                                     MediaBufferHelper** out);
+    media_status_t acquireFrameBuffer(const Chunk& chunk, size_t size, MediaBufferHelper** out);
+    void takeFromRest(size_t count);
+    bool completeMpegAudioFrame(const Chunk& loaded, size_t frameSize, size_t have,
+                                MediaBufferHelper* frame);
+    status_t readNextChunk(uint8_t* dst, size_t wanted, size_t* got);
+
+    // source/Seeking.cpp
+    using SeekMode = ReadOptions::SeekMode;
+    media_status_t seek(int64_t requestedUs, SeekMode mode, Seek* out);
+    void shareSeekTime(const Chunk& chunk, int64_t landingUs);
+    status_t getSampleIndexBySeekTime(int64_t timeUs, SeekMode mode, int32_t* index,
+                                      int64_t* targetUs);
+    status_t beyondEnd(int line) const;
+    status_t seekVideo(int64_t timeUs, SeekMode mode, int32_t* index, int64_t* targetUs);
+    bool findNextSync(int32_t from, int32_t last, int32_t* index);
+    int32_t findPreviousSync(int32_t from);
+    bool landsOn(int32_t i, const char* label);
+    bool fixSyncSample(size_t i);
+    bool isSyncFrame(const uint8_t* data, size_t size) const;
+    status_t seekBlocks(int64_t timeUs, int32_t* index);
+    status_t seekAudio(int64_t timeUs, int32_t* index);
+    size_t seekBytes(int64_t timeUs) const;
+    int64_t byteTimeUs(int64_t bytes) const;
+    int64_t getAudioSeekTimeByTrackId(int32_t trackId) const;
+    void setAllAudioSeekTime(int64_t timeUs);
+    void setAudioSeekTimeByTrackId(int32_t trackId, int64_t timeUs);
 
     // source/FrameTime.cpp
     FrameType getFrameType(const uint8_t* data, size_t size) const;
@@ -89,7 +140,8 @@ class RuvoAVISource : public MediaTrackHelper {
     std::mutex* mFormatLock;        // not owned
     DataSourceHelper* mDataSource;  // not owned
     TrackInfo mInfo;
-    SampleTable* mTable;  // not owned
+    SampleTable* mTable;                                 // not owned
+    const Vector<sp<RuvoAVISeekTime>>& mAudioSeekTimes;  // not owned
 
     // Asking a format for a string writes to it, so the type is asked for once, before any other
     // thread can copy the format.
@@ -106,7 +158,12 @@ class RuvoAVISource : public MediaTrackHelper {
     bool mStarted = false;
     uint32_t mBufferSize = 0;  // as asked of the group: buffers may report more than is usable
     uint32_t mCurrentSampleIndex = 0;
-    MediaBufferHelper* mBuffer = nullptr;  // being filled; belongs to the group
+    uint32_t mChunkConsumed = 0;  // bytes of the next chunk that went out already
+    // Being filled; between calls the rest of a chunk that is cut into frames. Belongs to the
+    // group.
+    MediaBufferHelper* mBuffer = nullptr;
+    size_t mBufferCapacity = 0;  // bytes of mBuffer that may be written
+    MpegAudioCutter mCutter;
 };
 
 }  // namespace android

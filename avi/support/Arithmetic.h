@@ -26,6 +26,11 @@ constexpr uint32_t wrapMul32(uint32_t a, uint32_t b) {
     return static_cast<uint32_t>(uint64_t{a} * b);
 }
 
+// File positions of OpenDML indexes, modulo 2^64.
+constexpr uint64_t wrapAdd64(uint64_t a, uint64_t b) {
+    return static_cast<uint64_t>(static_cast<unsigned __int128>(a) + b);
+}
+
 // A chunk's payload size with its pad byte; RIFF chunks start on even offsets.
 constexpr uint32_t paddedSize(uint32_t size) {
     return wrapAdd32(size, size & 1);
@@ -44,6 +49,10 @@ constexpr int64_t saturateToInt64(Wide value) {
     if (value > std::numeric_limits<int64_t>::max()) return std::numeric_limits<int64_t>::max();
     if (value < std::numeric_limits<int64_t>::min()) return std::numeric_limits<int64_t>::min();
     return static_cast<int64_t>(value);
+}
+
+constexpr int64_t saturatingAdd(int64_t a, int64_t b) {
+    return saturateToInt64(Wide{a} + b);
 }
 
 constexpr uint32_t saturateToUint32(uint64_t value) {
@@ -65,7 +74,8 @@ constexpr int64_t unitsToUs(int64_t units, uint32_t scale, uint32_t rate) {
 template <typename Integer>
 constexpr Integer clampTo(double value) {
     // The largest values of 64-bit types are not doubles: compare with the power of two above.
-    constexpr double kAbove = 2.0 * (std::numeric_limits<Integer>::max() / 2 + 1);
+    constexpr Integer kHalfAbove = std::numeric_limits<Integer>::max() / 2 + 1;
+    constexpr double kAbove = 2.0 * kHalfAbove;
     if (!(value == value)) return 0;
     if (value >= kAbove) return std::numeric_limits<Integer>::max();
     if (value <= static_cast<double>(std::numeric_limits<Integer>::min())) {

@@ -24,6 +24,13 @@ class ByteReader {
         return true;
     }
 
+    bool u8(uint8_t* out) {
+        uint64_t value;
+        if (!littleEndian(1, &value)) return false;
+        *out = static_cast<uint8_t>(value);
+        return true;
+    }
+
     bool u16(uint16_t* out) {
         uint64_t value;
         if (!littleEndian(2, &value)) return false;

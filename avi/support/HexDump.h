@@ -4,10 +4,18 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include <memory>
+
 namespace android {
 
-// Logs bytes as "%02x" and a blank each, with a line feed after every 16th, at verbose priority
-// while the extract-log switch is on. Nothing is printed when the text cannot be allocated.
+enum class HexCase { kLower, kUpper };
+
+// Bytes as two hexadecimal digits and a blank each, with a line feed after every 16th; null without
+// memory.
+std::unique_ptr<char[]> hexText(const uint8_t* data, size_t size, HexCase digits);
+
+// Logs bytes as lower-case hexText() at verbose priority while the extract-log switch is on.
+// Nothing is printed when the text cannot be allocated.
 void hexDump(const uint8_t* data, size_t size);
 
 }  // namespace android

@@ -31,16 +31,12 @@ constexpr unsigned long long ull(uint64_t value) {
 #define AVI_LOGD(...) AVI_LOG(ANDROID_LOG_DEBUG, __VA_ARGS__)
 
 // Printed while the extract-log switch is on.
-#define AVI_LOGV(...)                                                                  \
-    do {                                                                               \
-        if (::android::extractLogEnabled()) AVI_LOG(ANDROID_LOG_VERBOSE, __VA_ARGS__); \
-    } while (0)
+#define AVI_LOGV(...) \
+    static_cast<void>(::android::extractLogEnabled() && AVI_LOG(ANDROID_LOG_VERBOSE, __VA_ARGS__))
 
 // Printed while the verbose-log switch is on: one line a chunk.
-#define AVI_TRACE(...)                                                                 \
-    do {                                                                               \
-        if (::android::verboseLogEnabled()) AVI_LOG(ANDROID_LOG_VERBOSE, __VA_ARGS__); \
-    } while (0)
+#define AVI_TRACE(...) \
+    static_cast<void>(::android::verboseLogEnabled() && AVI_LOG(ANDROID_LOG_VERBOSE, __VA_ARGS__))
 
 // A failure of `function` with a negative status, printed without its sign in hexadecimal.
 #define AVI_LOG_FAILURE(function, status, line) \

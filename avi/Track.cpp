@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Track.h"
+
+#include "support/Check.h"
+
+namespace android {
+
+const char* trackMime(const Track& track) {
+    const char* mime = nullptr;
+    AVI_CHECK_TEXT(AMediaFormat_getString(track.meta.get(), AMEDIAFORMAT_KEY_MIME, &mime),
+                   "AMediaFormat_getString(track->meta, AMEDIAFORMAT_KEY_MIME, &mime)");
+    return mime;
+}
+
+}  // namespace android

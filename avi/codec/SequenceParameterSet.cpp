@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Walks a sequence parameter set as far as the platform's parser does, with reads that may fail.
+#include "codec/SequenceParameterSet.h"
+
+#include <media/stagefright/foundation/ABitReader.h>
+#include <string.h>
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <new>
+
+namespace android {
+
+namespace {
+
+constexpr uint32_t kMaxMacroblocks = 4096;  // 65536 samples: far above what any level allows
+
+// Bits that know whether they ran out. After that every read gives 0.
+class SpsBits {
+  public:
+    SpsBits(const uint8_t* data, size_t size) : mBits(data, size) {}
+
+    bool ok() const { return mOk; }
+
+    uint32_t u(size_t count) {
+        uint32_t value = 0;
+        if (mOk) mOk = mBits.getBitsGraceful(count, &value);
+        return mOk ? value : 0;
+    }
+
+    bool flag() { return u(1) != 0; }
+
+    // Unsigned Exp-Golomb code.
+    uint32_t ue() {
+        size_t zeros = 0;
+        while (mOk && !flag()) {
+            ++zeros;
+        }
+        if (zeros >= 32) mOk = false;
+        return mOk ? static_cast<uint32_t>((uint64_t{1} << zeros) - 1 + u(zeros)) : 0;
+    }
+
+    // Signed Exp-Golomb code.
+    int64_t se() {
+        const int64_t code = ue();
+        return code % 2 != 0 ? (code + 1) / 2 : -(code / 2);
+    }
+
+  private:
+    ABitReader mBits;
+    bool mOk = true;
+};
+
+bool hasChromaFormat(uint32_t profile) {
+    static constexpr uint32_t kHighProfiles[] = {100, 110, 122, 244, 44,  83, 86,
+                                                 118, 128, 138, 139, 134, 135};
+    return std::find(std::begin(kHighProfiles), std::end(kHighProfiles), profile) !=
+           std::end(kHighProfiles);
+}
+
+void skipScalingList(SpsBits* bits, size_t length) {
+    int64_t lastScale = 8;
+    for (size_t i = 0; i < length && bits->ok(); ++i) {
+        const int64_t delta = std::clamp<int64_t>(bits->se(), -128, 127);
+        const int64_t nextScale = (lastScale + delta + 256) % 256;
+        if (nextScale == 0) return;
+        lastScale = nextScale;
+    }
+}
+
+// Returns chroma_format_idc, or ChromaArrayType 0 for separate planes.
+uint32_t readChromaFormat(SpsBits* bits) {
+    const uint32_t chromaFormat = bits->ue();
+    const bool separatePlanes = chromaFormat == 3 && bits->flag();
+    bits->ue();    // bit_depth_luma_minus8
+    bits->ue();    // bit_depth_chroma_minus8
+    bits->flag();  // qpprime_y_zero_transform_bypass_flag
+    if (bits->flag()) {
+        const size_t lists = chromaFormat == 3 ? 12 : 8;
+        for (size_t i = 0; i < lists && bits->ok(); ++i) {
+            if (bits->flag()) skipScalingList(bits, i < 6 ? 16 : 64);
+        }
+    }
+    return separatePlanes ? 0 : chromaFormat;
+}
+
+void skipPictureOrderCount(SpsBits* bits) {
+    const uint32_t type = bits->ue();
+    if (type == 0) bits->ue();  // log2_max_pic_order_cnt_lsb_minus4
+    if (type != 1) return;
+    bits->flag();  // delta_pic_order_always_zero_flag
+    bits->se();    // offset_for_non_ref_pic
+    bits->se();    // offset_for_top_to_bottom_field
+    for (uint32_t left = bits->ue(); left > 0 && bits->ok(); --left) {
+        bits->se();  // offset_for_ref_frame
+    }
+}
+
+// Two crop offsets must leave something of `size` samples.
+bool cropsSanely(SpsBits* bits, uint64_t size, uint64_t unit) {
+    uint64_t crop = bits->ue();
+    crop += bits->ue();
+    return crop * unit < size;
+}
+
+bool walkSequenceParameterSet(SpsBits* bits) {
+    const uint32_t profile = bits->u(8);
+    bits->u(16);  // constraint flags, level
+    bits->ue();   // seq_parameter_set_id
+    const uint32_t chroma = hasChromaFormat(profile) ? readChromaFormat(bits) : 1;
+    if (chroma > 3) return false;
+    bits->ue();  // log2_max_frame_num_minus4
+    skipPictureOrderCount(bits);
+    bits->ue();    // max_num_ref_frames
+    bits->flag();  // gaps_in_frame_num_value_allowed_flag
+    const uint64_t widthMbs = uint64_t{bits->ue()} + 1;
+    const uint64_t heightUnits = uint64_t{bits->ue()} + 1;
+    const uint64_t fields = bits->flag() ? 1 : 2;
+    if (fields == 2) bits->flag();  // mb_adaptive_frame_field_flag
+    bits->flag();                   // direct_8x8_inference_flag
+    if (widthMbs > kMaxMacroblocks || heightUnits > kMaxMacroblocks) return false;
+    if (bits->flag()) {  // frame_cropping_flag
+        const uint64_t cropWidth = chroma == 1 || chroma == 2 ? 2 : 1;
+        const uint64_t cropHeight = (chroma == 1 ? 2 : 1) * fields;
+        if (!cropsSanely(bits, widthMbs * 16, cropWidth)) return false;
+        if (!cropsSanely(bits, heightUnits * 16 * fields, cropHeight)) return false;
+    }
+    constexpr uint32_t kExtendedSar = 255;
+    const bool hasAspectRatio = bits->flag() && bits->flag();
+    if (hasAspectRatio && bits->u(8) == kExtendedSar) bits->u(32);
+    return bits->ok();
+}
+
+}  // namespace
+
+bool isSaneSequenceParameterSet(const uint8_t* data, size_t size) {
+    constexpr size_t kMinSize = 4;  // header, profile, constraints, level
+    if (size < kMinSize) return false;
+    SpsBits raw(data + 1, size - 1);
+    if (!walkSequenceParameterSet(&raw)) return false;
+
+    // Platforms differ in whether they take emulation prevention bytes (00 00 03) out first: the
+    // set must be sane either way.
+    const std::unique_ptr<uint8_t[]> payload(new (std::nothrow) uint8_t[size]);
+    if (payload == nullptr) return false;
+    size_t length = 0;
+    size_t zeros = 0;
+    for (size_t i = 1; i < size; ++i) {
+        const bool isEmulationPrevention = zeros >= 2 && data[i] == 3;
+        zeros = data[i] == 0 ? zeros + 1 : 0;
+        if (!isEmulationPrevention) payload[length++] = data[i];
+    }
+    SpsBits unescaped(payload.get(), length);
+    return walkSequenceParameterSet(&unescaped);
+}
+
+}  // namespace android

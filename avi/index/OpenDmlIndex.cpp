@@ -1,0 +1,228 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The indexes of OpenDML files (AVI 2.0): a super index in the stream list points at standard
+// indexes spread through the file, each of which lists chunks of one stream with a 64-bit base.
+#include <stdio.h>
+
+#include <algorithm>
+
+#include "RuvoAVIExtractor.h"
+#include "support/ByteReader.h"
+#include "support/Log.h"
+
+namespace android {
+
+namespace {
+
+constexpr int64_t kIndexHeaderSize = 24;
+constexpr int64_t kSuperEntrySize = 16;
+constexpr int64_t kStandardEntrySize = 8;
+constexpr uint32_t kStandardEntriesPerRead = 512;
+
+constexpr uint8_t kSuperIndex = 0;
+constexpr uint8_t kStandardIndex = 1;
+
+constexpr uint32_t kNotKeyFrame = 0x80000000;  // in the size of a standard entry
+
+// u64 offset of a standard index chunk | u32 its size | u32 duration
+struct SuperEntry {
+    uint64_t offset = 0;
+    uint32_t size = 0;
+    uint32_t duration = 0;
+};
+
+void logIndexHeader(const RuvoAVIIndexChunk& h) {
+    AVI_LOGV("   longsPerEntry: %u", h.longsPerEntry);
+    AVI_LOGV("   indexType:     0x%x", h.indexType);
+    AVI_LOGV("   indexSubType:  0x%x", h.indexSubType);
+    AVI_LOGV("   entriesInUse:  %u", h.entriesInUse);
+    AVI_LOGV("   ID:            %x", toWord(h.chunkId));
+    AVI_LOGV("   baseOffsetL:   %X", h.baseOffsetL);
+    AVI_LOGV("   baseOffsetH:   %X", h.baseOffsetH);
+    AVI_LOGV("   reserved3:     %u", h.reserved3);
+}
+
+uint64_t baseOffset(const RuvoAVIIndexChunk& h) {
+    return uint64_t{h.baseOffsetH} << 32 | h.baseOffsetL;
+}
+
+// u32 offset of the chunk's data from the base | u32 size and flag. The low words are added in 32
+// bits: writers keep them from crossing a 4 GiB border.
+RuvoAVISample standardSample(const RuvoAVIIndexChunk& h, uint32_t offset, uint32_t size) {
+    RuvoAVISample sample;
+    sample.offset =
+        static_cast<int64_t>(uint64_t{h.baseOffsetH} << 32 | wrapAdd32(h.baseOffsetL, offset));
+    sample.size = size & ~kNotKeyFrame;
+    sample.isSyncSample = (size & kNotKeyFrame) == 0 ? 1 : 0;
+    return sample;
+}
+
+void logSuperEntry(uint32_t i, const uint8_t (&bytes)[kSuperEntrySize], const SuperEntry& entry) {
+    if (!extractLogEnabled()) return;
+    char text[3 * kSuperEntrySize + 1];
+    for (size_t b = 0; b < sizeof(bytes); ++b) {
+        snprintf(text + 3 * b, 4, "%02X ", bytes[b]);
+    }
+    text[3 * kSuperEntrySize - 1] = '\0';
+    AVI_LOGV("%s", text);
+    AVI_LOGV("aviSuperIndexEntry[%d] duration %u, size %u, offset %llX", static_cast<int>(i),
+             entry.duration, entry.size, ull(entry.offset));
+}
+
+status_t failure(const char* function, status_t status, int line) {
+    AVI_LOG_FAILURE(function, status, line);
+    return status;
+}
+
+}  // namespace
+
+bool RuvoAVIExtractor::readIndexHeader(int64_t start, RuvoAVIIndexChunk* out) const {
+    uint8_t bytes[kIndexHeaderSize];
+    if (!readExactly(start, bytes, sizeof(bytes))) return false;
+    ByteReader in(bytes, sizeof(bytes));
+    in.u16(&out->longsPerEntry);
+    in.u8(&out->indexSubType);
+    in.u8(&out->indexType);
+    in.u32(&out->entriesInUse);
+    in.code(&out->chunkId);
+    in.u32(&out->baseOffsetL);
+    in.u32(&out->baseOffsetH);
+    in.u32(&out->reserved3);
+    return true;
+}
+
+status_t RuvoAVIExtractor::parseINDX(int64_t start, int64_t end) {
+    if (end - start < kIndexHeaderSize) return failure("parseINDX", ERROR_MALFORMED, __LINE__);
+    RuvoAVIIndexChunk header;
+    if (!readIndexHeader(start, &header)) return failure("parseINDX", ERROR_IO, __LINE__);
+    AVI_LOGV("==== parseINDX(pos: %llX, end: %llX) ====", ull(start), ull(end));
+    logIndexHeader(header);
+    if (header.indexType == kStandardIndex) {
+        AVI_LOGD("start parseChunkIndex() @pos %lld, end %lld...", ll(start), ll(end));
+        return parseChunkIndex(start, end, &header);
+    }
+    if (header.indexType != kSuperIndex) {
+        return failure("parseINDX", ERROR_UNSUPPORTED, __LINE__);
+    }
+    AVI_LOGD("%s(): The track has a super index with %d entries...", "parseINDX",
+             static_cast<int>(header.entriesInUse));
+    // Eight bytes an entry, not sixteen: some writers leave the chunk short of its last entries.
+    if (end - start < int64_t{header.entriesInUse} * kStandardEntrySize) {
+        return failure("parseINDX", ERROR_MALFORMED, __LINE__);
+    }
+    if (static_cast<int32_t>(header.entriesInUse) <= 0) return OK;
+    return parseSuperIndex(start, header);
+}
+
+status_t RuvoAVIExtractor::parseSuperIndex(int64_t start, const RuvoAVIIndexChunk& header) {
+    const uint64_t base = baseOffset(header);
+    for (uint32_t i = 0; i < header.entriesInUse && mIndexEntriesLeft > 0; ++i) {
+        uint8_t bytes[kSuperEntrySize];
+        if (!readExactly(start + kIndexHeaderSize + kSuperEntrySize * i, bytes, sizeof(bytes))) {
+            return failure("parseINDX", ERROR_IO, __LINE__);
+        }
+        SuperEntry entry;
+        ByteReader in(bytes, sizeof(bytes));
+        in.u64(&entry.offset);
+        in.u32(&entry.size);
+        in.u32(&entry.duration);
+        logSuperEntry(i, bytes, entry);
+        AVI_LOGD("start parseChunkIndex(%d) @(%llX + %llX + %d) with entry size %u...",
+                 static_cast<int>(i), ull(entry.offset), ull(base),
+                 static_cast<int>(kChunkHeaderSize), entry.size);
+        const uint64_t position = wrapAdd64(wrapAdd64(base, entry.offset), kChunkHeaderSize);
+        const status_t err = parseStandardIndexAt(position, entry.size);
+        if (err != OK) return failure("parseINDX", err, __LINE__);
+    }
+    return OK;
+}
+
+// A standard index chunk of `size` bytes that a super index points at. One that lies behind the end
+// of a cut file is skipped.
+status_t RuvoAVIExtractor::parseStandardIndexAt(uint64_t position, uint32_t size) {
+    const auto fileSize = static_cast<uint64_t>(mFileSize);
+    if (position > fileSize || fileSize - position < kIndexHeaderSize) {
+        AVI_LOGD("parseChunkIndex() to the file end~! pos %lld, fileSize %lld",
+                 static_cast<long long>(position), ll(mFileSize));
+        return OK;
+    }
+    const auto start = static_cast<int64_t>(position);
+    return parseChunkIndex(start, start + size, nullptr);
+}
+
+status_t RuvoAVIExtractor::parseChunkIndex(int64_t start, int64_t end,
+                                           const RuvoAVIIndexChunk* known) {
+    RuvoAVIIndexChunk header;
+    if (known != nullptr) {
+        header = *known;
+    } else {
+        if (end - start < kIndexHeaderSize) {
+            return failure("parseChunkIndex", ERROR_MALFORMED, __LINE__);
+        }
+        if (!readIndexHeader(start, &header)) {
+            return failure("parseChunkIndex", ERROR_IO, __LINE__);
+        }
+        AVI_LOGV("==== parseChunkIndex(pos: %lld, end: %lld) ====", ll(start), ll(end));
+        logIndexHeader(header);
+    }
+    const int64_t entries = start + kIndexHeaderSize;
+    const bool isChunkIndex = header.indexType == kStandardIndex && header.indexSubType == 0;
+    if (!isChunkIndex || (end - entries) / kStandardEntrySize < int64_t{header.entriesInUse}) {
+        return failure("parseChunkIndex", ERROR_MALFORMED, __LINE__);
+    }
+    uint32_t added = 0;
+    const status_t err = addStandardEntries(entries, header, &added);
+    if (err == OK) logChunkIndexEnd(header, added, entries);
+    return err;
+}
+
+status_t RuvoAVIExtractor::addStandardEntries(int64_t entries, const RuvoAVIIndexChunk& header,
+                                              uint32_t* added) {
+    while (*added < header.entriesInUse) {
+        const uint32_t count = std::min(kStandardEntriesPerRead, header.entriesInUse - *added);
+        if (!takeIndexEntries(count)) return OK;
+        uint8_t bytes[kStandardEntriesPerRead * kStandardEntrySize];
+        const size_t size = count * static_cast<size_t>(kStandardEntrySize);
+        if (!readExactly(entries + kStandardEntrySize * *added, bytes, size)) {
+            AVI_LOGE("%s(): Failed to read chunk entry at %lld", "parseChunkIndex", ll(entries));
+            return ERROR_IO;
+        }
+        ByteReader in(bytes, size);
+        uint32_t offset = 0;
+        uint32_t sizeAndFlag = 0;
+        while (in.u32(&offset) && in.u32(&sizeAndFlag)) {
+            const RuvoAVISample sample = standardSample(header, offset, sizeAndFlag);
+            addSample(&sample, currentTrack());
+        }
+        *added += count;
+    }
+    return OK;
+}
+
+// Every entry takes eight bytes of its own in an honest file. Indexes that claim more entries than
+// the file can hold, because they point at one another, are not followed further.
+bool RuvoAVIExtractor::takeIndexEntries(uint32_t count) {
+    if (mIndexEntriesLeft >= count) {
+        mIndexEntriesLeft -= count;
+        return true;
+    }
+    mIndexEntriesLeft = 0;
+    AVI_LOGW("%s(): the indexes list more samples than the file can hold, drop the rest",
+             "parseChunkIndex");
+    return false;
+}
+
+void RuvoAVIExtractor::logChunkIndexEnd(const RuvoAVIIndexChunk& header, uint32_t added,
+                                        int64_t position) {
+    const SampleTable& table = mCurrentTrack->mTable;
+    const bool isEmpty = table.size() == 0;
+    AVI_LOGD("[%s] sample[%zu] (baseOff %llX/%llX, size %d, sync %d]) @line%d",
+             trackMime(*mCurrentTrack), table.mSampleOffsets.size(), ull(baseOffset(header)),
+             ull(isEmpty ? 0 : static_cast<uint64_t>(table.mSampleOffsets.top())),
+             isEmpty ? 0 : table.mSampleSizes.top(),
+             table.mSampleSyncs.isEmpty() ? 0 : table.mSampleSyncs.top(), __LINE__);
+    AVI_LOGD("end %s() (%d samples added) @%llX...\n", "parseChunkIndex", static_cast<int>(added),
+             ull(static_cast<uint64_t>(position)));
+}
+
+}  // namespace android

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "source/MpegAudioCutter.h"
+
+#include <media/stagefright/foundation/ByteUtils.h>
+#include <string.h>
+
+#include <algorithm>
+
+#include "codec/MpegAudioHeader.h"
+
+namespace android {
+
+namespace {
+
+constexpr uint32_t kFirstSyncBit = 0x80000000;
+constexpr size_t kMinFrameSize = 4;
+constexpr size_t kZeroedSideInfo = 12;
+
+}  // namespace
+
+MpegAudioCutter::MpegAudioCutter(const TrackInfo& info)
+    : mIsActive((info.mMP3Header & kFirstSyncBit) != 0),
+      mStreamHeader(info.mMP3Header),
+      mBlockSize(info.mBlockMode ? info.mBlockAlign : 0),
+      // 32-bit by habit of the format: scales of audio streams are small.
+      mUnitUs(
+          divideOrZero(wrapMul32(info.mScale, static_cast<uint32_t>(kUsPerSecond)), info.mRate)) {}
+
+MpegAudioCut MpegAudioCutter::cut(const uint8_t* data, size_t length) const {
+    MpegAudioCut cut;
+    for (size_t p = 0; p + kMpegAudioHeaderSize <= length; ++p) {
+        const uint32_t candidate = U32_AT(data + p);
+        if (((candidate ^ mStreamHeader) & kMpegAudioStreamMask) != 0) continue;
+        cut.header = candidate;
+        cut.start = p;
+        break;
+    }
+    const bool isValid =
+        cut.header != 0 && parseMP3Header(cut.header, &cut.size, nullptr, &cut.bitRate);
+    if (isValid && cut.size >= kMinFrameSize) {
+        const bool isWhole = cut.size <= length - cut.start;
+        cut.kind = isWhole ? MpegAudioCut::Kind::kFrame : MpegAudioCut::Kind::kSpanning;
+        return cut;
+    }
+    const bool needsHeader = !isValid && length >= kMpegAudioHeaderSize;
+    cut.kind = needsHeader ? MpegAudioCut::Kind::kHeaderless : MpegAudioCut::Kind::kRest;
+    cut.start = 0;
+    cut.size = needsHeader && mBlockSize != 0 ? std::min(mBlockSize, length) : length;
+    return cut;
+}
+
+void MpegAudioCutter::createHeader(uint8_t* data, size_t length) const {
+    for (size_t i = 0; i < kMpegAudioHeaderSize; ++i) {
+        data[i] = static_cast<uint8_t>(mStreamHeader >> (24 - 8 * i));
+    }
+    memset(data + kMpegAudioHeaderSize, 0,
+           std::min(length - kMpegAudioHeaderSize, kZeroedSideInfo));
+}
+
+int64_t MpegAudioCutter::durationUs(const MpegAudioCut& cut) {
+    return divideOrZero<int64_t>(static_cast<int64_t>(cut.size) * 8000, cut.bitRate);
+}
+
+int64_t MpegAudioCutter::stamp(const MpegAudioCut& cut, int64_t chunkTimeUs) {
+    switch (cut.kind) {
+        case MpegAudioCut::Kind::kFrame:
+            mTimeUs = std::max(chunkTimeUs, saturatingAdd(mTimeUs, durationUs(cut)));
+            return mTimeUs;
+        case MpegAudioCut::Kind::kHeaderless:
+            mTimeUs = std::max(chunkTimeUs, saturatingAdd(mTimeUs, mUnitUs));
+            return mTimeUs;
+        case MpegAudioCut::Kind::kRest:
+            mTimeUs = std::max(chunkTimeUs, mTimeUs);
+            return mTimeUs;
+        default: {  // kSpanning: the frame begins where the one before ended
+            const int64_t timeUs = std::max(chunkTimeUs, mTimeUs);
+            mTimeUs = saturatingAdd(timeUs, durationUs(cut));
+            return timeUs;
+        }
+    }
+}
+
+}  // namespace android

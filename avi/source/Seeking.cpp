@@ -1,0 +1,240 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Where reading resumes after a seek, and how audio follows video: the video source leaves its
+// landing time in the records of the audio tracks, which take it at their next seek.
+#include <media/stagefright/MediaErrors.h>
+#include <strings.h>
+
+#include <algorithm>
+
+#include "source/RuvoAVISource.h"
+#include "source/SeekMath.h"
+#include "support/Log.h"
+
+namespace android {
+
+namespace {
+
+constexpr size_t kFrameProbeBytes = 256;
+
+// A key flag confirmed by the frame's own data; negative as a signed byte, 129 as an unsigned one.
+constexpr int8_t kConfirmedSync = -127;
+
+constexpr int64_t kNoSeekTime = -1;
+
+long long wholeSeconds(int64_t timeUs) {
+    return timeUs / kUsPerSecond;
+}
+
+long long milliseconds(int64_t timeUs) {
+    return timeUs % kUsPerSecond / 1000;
+}
+
+}  // namespace
+
+media_status_t RuvoAVISource::seek(int64_t requestedUs, SeekMode mode, Seek* out) {
+    out->requested = true;
+    out->timeUs = std::max<int64_t>(requestedUs, 0);
+    mChunkConsumed = 0;
+    releaseBuffer();
+    if (mIsAudio) {
+        const int64_t landingUs =
+            getAudioSeekTimeByTrackId(static_cast<int32_t>(mInfo.mStreamIndex));
+        if (landingUs >= 0 && requestedUs > 0) {
+            out->timeUs = landingUs;
+            AVI_TRACE("%s get Audio seekTime @%lld.%03llds @L%d", prefix().c_str(),
+                      wholeSeconds(landingUs), milliseconds(landingUs), __LINE__);
+        }
+    }
+    mCutter.setTime(out->timeUs);
+
+    int32_t index = 0;
+    const status_t err = getSampleIndexBySeekTime(out->timeUs, mode, &index, &out->targetUs);
+    if (err != OK) return endOfStream(prefix(), __LINE__);
+    mCurrentSampleIndex = static_cast<uint32_t>(index);
+    return AMEDIA_OK;
+}
+
+// After the first sample of a seek.
+void RuvoAVISource::shareSeekTime(const Chunk& chunk, int64_t landingUs) {
+    if (strncasecmp(mMime.c_str(), "video/", 6) == 0) {
+        setAllAudioSeekTime(landingUs);
+        AVI_TRACE("%s set seekTime @%lld.%03llds for audio track(s).@L%d", prefix(chunk).c_str(),
+                  wholeSeconds(landingUs), milliseconds(landingUs), __LINE__);
+    } else if (strncasecmp(mMime.c_str(), "audio/", 6) == 0) {
+        setAudioSeekTimeByTrackId(static_cast<int32_t>(mInfo.mStreamIndex), kNoSeekTime);
+        AVI_TRACE("%s reset seekTime to -1 after seeking.@L%d", prefix(chunk).c_str(), __LINE__);
+    }
+}
+
+status_t RuvoAVISource::getSampleIndexBySeekTime(int64_t timeUs, SeekMode mode, int32_t* index,
+                                                 int64_t* targetUs) {
+    if (mInfo.mBlockMode) return seekBlocks(timeUs, index);
+    if (mIsVideo) return seekVideo(timeUs, mode, index, targetUs);
+    if (mIsAudio) return seekAudio(timeUs, index);
+    *index = 0;  // subtitles carry their times in their data
+    return OK;
+}
+
+status_t RuvoAVISource::beyondEnd(int line) const {
+    AVI_LOG_FAILURE("getSampleIndexBySeekTime", ERROR_END_OF_STREAM, line);
+    return ERROR_END_OF_STREAM;
+}
+
+status_t RuvoAVISource::seekVideo(int64_t timeUs, SeekMode mode, int32_t* index,
+                                  int64_t* targetUs) {
+    const auto last = static_cast<int32_t>(mTable->size()) - 1;
+    int32_t calculated = unitAtTime(timeUs, mInfo.mScale, mInfo.mRate);
+    AVI_LOGD("[%s] Calculated sample index %d @seekTime%lldus", mMime.c_str(), calculated,
+             ll(timeUs));
+    if (mode == SeekMode::SEEK_NEXT_SYNC) {
+        if (!findNextSync(calculated, last, index)) return beyondEnd(__LINE__);
+    } else {
+        calculated = std::min(calculated, last);
+        *index = findPreviousSync(calculated);
+    }
+    if (mode == SeekMode::SEEK_CLOSEST) {
+        // The decoder drops what lies between the key frame and the frame that was asked for.
+        *targetUs = unitsToUs(calculated, mInfo.mScale, mInfo.mRate);
+    }
+    AVI_LOGD("[%s] seekTo sync index %d/%d nearby seekTime %lldus", mMime.c_str(), *index, last + 1,
+             ll(timeUs));
+    return OK;
+}
+
+bool RuvoAVISource::findNextSync(int32_t from, int32_t last, int32_t* index) {
+    for (int32_t i = from; i <= last; ++i) {
+        if (!landsOn(i, "index:")) continue;
+        *index = i;
+        return true;
+    }
+    return false;
+}
+
+int32_t RuvoAVISource::findPreviousSync(int32_t from) {
+    for (int32_t i = from; i >= 0; --i) {
+        if (landsOn(i, "index: ")) return i;
+    }
+    AVI_LOGW("[%s] found no prev sync frame", mMime.c_str());
+    return 0;
+}
+
+// Whether a seek may land on sample i: a key frame, by its data where the index is not trusted.
+// `label` is how the log line names the index.
+bool RuvoAVISource::landsOn(int32_t i, const char* label) {
+    const auto at = static_cast<size_t>(i);
+    const int8_t flag = mTable->syncFlag(at);
+    if (flag == 0) return false;
+    if (!mInfo.mBrokenIndex || flag < 0) {
+        AVI_LOGD("[%s] seek mBrokenIndex:%d -- isSyncSample:%d, %s%d @L%d", mMime.c_str(),
+                 mInfo.mBrokenIndex, flag, label, i, __LINE__);
+        return true;
+    }
+    if (!fixSyncSample(at)) return false;
+    AVI_LOGD("[%s] seek sync index: %d @L%d", mMime.c_str(), i, __LINE__);
+    return true;
+}
+
+// Corrects the key flag of a sample by its data; the table keeps what was found.
+bool RuvoAVISource::fixSyncSample(size_t i) {
+    uint8_t bytes[kFrameProbeBytes];
+    const uint32_t chunkSize = mTable->chunkSize(i, mInfo.mSampleSize != 0);
+    const size_t size = std::min<size_t>(chunkSize, sizeof(bytes));
+    const bool whole = size >= 1 && mDataSource->readAt(mTable->mSampleOffsets[i], bytes, size) ==
+                                        static_cast<ssize_t>(size);
+    const bool isSync = whole && isSyncFrame(bytes, size);
+    if (isSync) AVI_TRACE("fixSyncSample at %d", static_cast<int>(i));
+    mTable->mSampleSyncs.editItemAt(i) = isSync ? kConfirmedSync : 0;
+    return isSync;
+}
+
+bool RuvoAVISource::isSyncFrame(const uint8_t* data, size_t size) const {
+    const FrameType type = getFrameType(data, size);
+    AVI_TRACE("isSyncFrame type %d", static_cast<int>(type));
+    return type == FrameType::kIntra;
+}
+
+// Lands inside a chunk, at a whole block.
+status_t RuvoAVISource::seekBlocks(int64_t timeUs, int32_t* index) {
+    const int32_t blocks = unitAtTime(timeUs, mInfo.mScale, mInfo.mRate);
+    AVI_LOGD("[%s] Calculated seekBlocks %d @seekTime %lldus", mMime.c_str(), blocks, ll(timeUs));
+    const Vector<int32_t>& totals = mTable->mSampleBlockSizes;
+    const size_t k = firstBeyond(mTable->size(), blocks, [&](size_t i) { return totals[i]; });
+    if (k >= mTable->size()) return beyondEnd(__LINE__);
+    const auto before = static_cast<uint32_t>(k == 0 ? 0 : totals[k - 1]);
+    mChunkConsumed = wrapMul32(mInfo.mBlockAlign, wrapSub32(static_cast<uint32_t>(blocks), before));
+    AVI_LOGD("[%s] seek blocks %d block offset %x", mMime.c_str(), blocks, mChunkConsumed);
+    *index = static_cast<int32_t>(k);
+    return OK;
+}
+
+status_t RuvoAVISource::seekAudio(int64_t timeUs, int32_t* index) {
+    const bool isOneFrameAChunk = mInfo.mIsRawAACData && mInfo.mIsVBRWise;
+    size_t found = 0;
+    if (mInfo.mSampleSize == 0) {
+        found = static_cast<size_t>(chunkAtTime(timeUs, mDurationUs, mTable->size()));
+        AVI_LOGD("[%s] seekTo index %d nearby seekTime %lldus @L%d", mMime.c_str(),
+                 static_cast<int>(found), ll(timeUs), __LINE__);
+    } else if (isOneFrameAChunk) {
+        found = static_cast<size_t>(frameAtTime(timeUs, mInfo.mScale, mInfo.mRate));
+    } else {
+        found = seekBytes(timeUs);
+    }
+    if (found >= mTable->size()) return beyondEnd(__LINE__);
+    *index = static_cast<int32_t>(found);
+    return OK;
+}
+
+// The chunk that holds the time, by the running totals of the table.
+size_t RuvoAVISource::seekBytes(int64_t timeUs) const {
+    return firstBeyond(mTable->size(), timeUs, [&](size_t i) {
+        const int64_t endUs = byteTimeUs(static_cast<uint32_t>(mTable->mSampleSizes[i]));
+        if (endUs > timeUs) {
+            AVI_LOGD("[%s] seekTo index %d/%lld nearby seekTime %lldus @L%d", mMime.c_str(),
+                     static_cast<int>(i), ll(endUs), ll(timeUs), __LINE__);
+        }
+        return endUs;
+    });
+}
+
+// Time at which `bytes` of the stream have been played.
+int64_t RuvoAVISource::byteTimeUs(int64_t bytes) const {
+    if (mInfo.mIsRawAACData && mInfo.mAvgBytesPerSec != 0) {
+        return mulDiv(bytes, kUsPerSecond, mInfo.mAvgBytesPerSec);
+    }
+    return unitsToUs(bytes, mInfo.mScale, mInfo.mRate) / mInfo.mSampleSize;
+}
+
+int64_t RuvoAVISource::getAudioSeekTimeByTrackId(int32_t trackId) const {
+    for (size_t i = 0; i < mAudioSeekTimes.size(); ++i) {
+        const sp<RuvoAVISeekTime> record = mAudioSeekTimes[i];
+        const int64_t timeUs = record->mSeekTimeUs;
+        AVI_LOGV("[%s][%d] VS [%d seekTimeUs %lld]", mMime.c_str(), trackId, record->mTrackId,
+                 ll(timeUs));
+        if (record->mTrackId == trackId) return timeUs;
+    }
+    AVI_LOGE("%s(%s): seekTime of track %d not found!", "getAudioSeekTimeByTrackId", mMime.c_str(),
+             trackId);
+    return kNoSeekTime;
+}
+
+void RuvoAVISource::setAllAudioSeekTime(int64_t timeUs) {
+    for (size_t i = 0; i < mAudioSeekTimes.size(); ++i) {
+        const sp<RuvoAVISeekTime> record = mAudioSeekTimes[i];
+        record->mSeekTimeUs = timeUs;
+        AVI_LOGV("[%s][%d] set seekTimeUs %lld", mMime.c_str(), record->mTrackId, ll(timeUs));
+    }
+}
+
+void RuvoAVISource::setAudioSeekTimeByTrackId(int32_t trackId, int64_t timeUs) {
+    for (size_t i = 0; i < mAudioSeekTimes.size(); ++i) {
+        const sp<RuvoAVISeekTime> record = mAudioSeekTimes[i];
+        AVI_LOGV("[[%s][%d] seekTimeUs %lld] VS [%d]", mMime.c_str(), trackId, ll(timeUs),
+                 record->mTrackId);
+        if (record->mTrackId != trackId) continue;
+        record->mSeekTimeUs = timeUs;
+        return;
+    }
+}
+
+}  // namespace android
