@@ -171,7 +171,7 @@ class RuvoAVIExtractor : public MediaExtractorPluginHelper {
     status_t parseChunkIndex(int64_t start, int64_t end, const RuvoAVIIndexChunk* known);
     bool readIndexHeader(int64_t start, RuvoAVIIndexChunk* out) const;
     status_t addStandardEntries(int64_t entries, const RuvoAVIIndexChunk& header, uint32_t* added);
-    bool takeIndexEntries(uint32_t count);
+    bool hasIndexEntriesLeft();
     void logChunkIndexEnd(const RuvoAVIIndexChunk& header, uint32_t added, int64_t position);
 
     // index/MoviScan.cpp
@@ -216,6 +216,7 @@ class RuvoAVIExtractor : public MediaExtractorPluginHelper {
     uint32_t mHeight = 0;
     uint32_t mNumStreams = 0;
     int64_t mIndexEntriesLeft = 0;  // OpenDML index entries that an honest file may still have
+    bool mIndexLimitWarned = false;
     uint32_t mIndexOffsetBase = 0;  // what idx1 offsets are relative to
 
     bool mHasVideo = false;  // at least one good track of the kind

@@ -101,7 +101,7 @@ void RuvoAVIExtractor::scanRecordList(const ChunkWalker& list, MoviScanState* sc
     scan->emptyHeaders = 0;
     ChunkWalker chunk(mDataSource.get(), list.listContents());
     while (chunk.next() < list.next()) {
-        if (chunk.advance() != HeaderRead::kWhole || isIncomplete(chunk, list.next())) return;
+        if (!chunk.advancePlain() || isIncomplete(chunk, list.next())) return;
         const status_t err =
             parseDataChunk(static_cast<uint32_t>(chunk.payload()), chunk.header().id,
                            chunk.header().size, &scan->emptyHeaders);

@@ -8,6 +8,7 @@
 
 #include "RuvoAVIExtractor.h"
 #include "support/ByteReader.h"
+#include "support/Check.h"
 #include "support/Log.h"
 
 namespace android {
@@ -116,7 +117,7 @@ status_t RuvoAVIExtractor::parseINDX(int64_t start, int64_t end) {
 
 status_t RuvoAVIExtractor::parseSuperIndex(int64_t start, const RuvoAVIIndexChunk& header) {
     const uint64_t base = baseOffset(header);
-    for (uint32_t i = 0; i < header.entriesInUse && mIndexEntriesLeft > 0; ++i) {
+    for (uint32_t i = 0; i < header.entriesInUse && hasIndexEntriesLeft(); ++i) {
         uint8_t bytes[kSuperEntrySize];
         if (!readExactly(start + kIndexHeaderSize + kSuperEntrySize * i, bytes, sizeof(bytes))) {
             return failure("parseINDX", ERROR_IO, __LINE__);
@@ -178,37 +179,37 @@ status_t RuvoAVIExtractor::parseChunkIndex(int64_t start, int64_t end,
 
 status_t RuvoAVIExtractor::addStandardEntries(int64_t entries, const RuvoAVIIndexChunk& header,
                                               uint32_t* added) {
-    while (*added < header.entriesInUse) {
+    while (*added < header.entriesInUse && hasIndexEntriesLeft()) {
         const uint32_t count = std::min(kStandardEntriesPerRead, header.entriesInUse - *added);
-        if (!takeIndexEntries(count)) return OK;
         uint8_t bytes[kStandardEntriesPerRead * kStandardEntrySize];
-        const size_t size = count * static_cast<size_t>(kStandardEntrySize);
-        if (!readExactly(entries + kStandardEntrySize * *added, bytes, size)) {
+        const auto entrySize = static_cast<size_t>(kStandardEntrySize);
+        if (!readExactly(entries + kStandardEntrySize * *added, bytes, count * entrySize)) {
             AVI_LOGE("%s(): Failed to read chunk entry at %lld", "parseChunkIndex", ll(entries));
             return ERROR_IO;
         }
-        ByteReader in(bytes, size);
+        const auto taken = static_cast<uint32_t>(std::min<int64_t>(count, mIndexEntriesLeft));
+        mIndexEntriesLeft -= taken;
+        ByteReader in(bytes, taken * entrySize);
         uint32_t offset = 0;
         uint32_t sizeAndFlag = 0;
         while (in.u32(&offset) && in.u32(&sizeAndFlag)) {
             const RuvoAVISample sample = standardSample(header, offset, sizeAndFlag);
             addSample(&sample, currentTrack());
         }
-        *added += count;
+        *added += taken;
     }
     return OK;
 }
 
 // Every entry takes eight bytes of its own in an honest file. Indexes that claim more entries than
 // the file can hold, because they point at one another, are not followed further.
-bool RuvoAVIExtractor::takeIndexEntries(uint32_t count) {
-    if (mIndexEntriesLeft >= count) {
-        mIndexEntriesLeft -= count;
-        return true;
+bool RuvoAVIExtractor::hasIndexEntriesLeft() {
+    if (mIndexEntriesLeft > 0) return true;
+    if (!mIndexLimitWarned) {
+        AVI_LOGW("%s(): the indexes list more samples than the file can hold, drop the rest",
+                 "parseChunkIndex");
+        mIndexLimitWarned = true;
     }
-    mIndexEntriesLeft = 0;
-    AVI_LOGW("%s(): the indexes list more samples than the file can hold, drop the rest",
-             "parseChunkIndex");
     return false;
 }
 
@@ -216,8 +217,11 @@ void RuvoAVIExtractor::logChunkIndexEnd(const RuvoAVIIndexChunk& header, uint32_
                                         int64_t position) {
     const SampleTable& table = mCurrentTrack->mTable;
     const bool isEmpty = table.size() == 0;
-    AVI_LOGD("[%s] sample[%zu] (baseOff %llX/%llX, size %d, sync %d]) @line%d",
-             trackMime(*mCurrentTrack), table.mSampleOffsets.size(), ull(baseOffset(header)),
+    const char* mime = nullptr;
+    AVI_CHECK_TEXT(AMediaFormat_getString(mCurrentTrack->meta.get(), AMEDIAFORMAT_KEY_MIME, &mime),
+                   "AMediaFormat_getString(mLastTrack->meta, AMEDIAFORMAT_KEY_MIME, &mime)");
+    AVI_LOGD("[%s] sample[%zu] (baseOff %llX/%llX, size %d, sync %d]) @line%d", mime,
+             table.mSampleOffsets.size(), ull(baseOffset(header)),
              ull(isEmpty ? 0 : static_cast<uint64_t>(table.mSampleOffsets.top())),
              isEmpty ? 0 : table.mSampleSizes.top(),
              table.mSampleSyncs.isEmpty() ? 0 : table.mSampleSyncs.top(), __LINE__);

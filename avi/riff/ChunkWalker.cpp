@@ -12,12 +12,10 @@ HeaderRead readChunkHeader(DataSourceHelper* source, int64_t position, ChunkHead
     ByteReader in(bytes, static_cast<size_t>(count));
     ChunkHeader header;  // u32 id | u32 size | u32 type
     if (!in.code(&header.id) || !in.u32(&header.size)) return HeaderRead::kUnreadable;
-    if (!in.code(&header.type)) {
-        const bool isZeroTail = count == kChunkHeaderSize && header.size == 0;
-        return isZeroTail ? HeaderRead::kZeroTail : HeaderRead::kUnreadable;
-    }
+    if (count != kChunkHeaderSize && !in.code(&header.type)) return HeaderRead::kUnreadable;
     *out = header;
-    return HeaderRead::kWhole;
+    if (count != kChunkHeaderSize) return HeaderRead::kWhole;
+    return header.size == 0 ? HeaderRead::kZeroTail : HeaderRead::kCutType;
 }
 
 }  // namespace android

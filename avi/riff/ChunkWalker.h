@@ -26,11 +26,13 @@ struct ChunkHeader {
 enum class HeaderRead {
     kWhole,
     kZeroTail,    // the last 8 bytes of the file, with size 0: writers pad files with zeros
+    kCutType,     // 8 bytes of a chunk that is not empty
     kUnreadable,  // anything else
 };
 
 // Reads the 12 bytes at `position`, whatever the chunk is: the type of a plain chunk is just the
-// first bytes of its payload.
+// first bytes of its payload. Where only 8 bytes come, `out` has no type; kUnreadable leaves it
+// alone.
 HeaderRead readChunkHeader(DataSourceHelper* source, int64_t position, ChunkHeader* out);
 
 class ChunkWalker {
@@ -39,17 +41,21 @@ class ChunkWalker {
     ChunkWalker(DataSourceHelper* source, int64_t start)
         : mSource(source), mPosition(start), mNext(start) {}
 
-    // Reads the header at next() and steps onto that chunk. Any result but kWhole leaves the walker
-    // where it is.
+    // Reads the header at next() and steps onto that chunk. kZeroTail and kUnreadable leave the
+    // walker where it is; there is no kCutType.
     HeaderRead advance() {
         ChunkHeader header;
         const HeaderRead result = readChunkHeader(mSource, mNext, &header);
-        if (result == HeaderRead::kWhole) {
-            mHeader = header;
-            mPosition = mNext;
-            mNext += kChunkHeaderSize + paddedSize(header.size);
-        }
-        return result;
+        if (result == HeaderRead::kWhole) stepOnto(header);
+        return result == HeaderRead::kCutType ? HeaderRead::kUnreadable : result;
+    }
+
+    // The same where no lists are expected: the 8 bytes of a plain chunk's header suffice.
+    bool advancePlain() {
+        ChunkHeader header;
+        if (readChunkHeader(mSource, mNext, &header) == HeaderRead::kUnreadable) return false;
+        stepOnto(header);
+        return true;
     }
 
     const ChunkHeader& header() const { return mHeader; }
@@ -61,6 +67,12 @@ class ChunkWalker {
     bool isList(FourCC type) const { return mHeader.id == fourcc("LIST") && mHeader.type == type; }
 
   private:
+    void stepOnto(const ChunkHeader& header) {
+        mHeader = header;
+        mPosition = mNext;
+        mNext += kChunkHeaderSize + paddedSize(header.size);
+    }
+
     DataSourceHelper* mSource;
     ChunkHeader mHeader;
     int64_t mPosition;

@@ -164,6 +164,7 @@ status_t RuvoAVIExtractor::parseFirstIdx1(const ChunkWalker& chunk, FirstRiffSta
     }
     for (Track& track : mTracks) {
         clearSamples(&track);
+        track.mINDXValid = false;
     }
     const status_t err = parseIDX1(chunk.payload(), chunk.next());
     found->idx1 = err == OK;

@@ -103,6 +103,7 @@ media_status_t RuvoAVISource::loadChunk(Chunk* chunk) {
     if (!loaded) return shortRead(*chunk, __LINE__);
     mBuffer->set_range(0, insertedBytes + chunk->size);
     if (!mIsAudio) {
+        chunk->isTyped = true;
         chunk->type =
             getFrameType(static_cast<const uint8_t*>(mBuffer->data()), insertedBytes + chunk->size);
     }
@@ -253,7 +254,10 @@ std::string RuvoAVISource::prefix(const Chunk& chunk) const {
     if (!chunk.isLoaded) return prefix();
     const std::string track =
         chunk.isJoined ? "[" + std::to_string(mInfo.mStreamIndex) + "]" : prefix();
-    return track + "[" + std::to_string(chunk.index) + "/" + std::to_string(mTable->size()) + "]";
+    const std::string text =
+        track + "[" + std::to_string(chunk.index) + "/" + std::to_string(mTable->size()) + "]";
+    if (!mIsVideo || !chunk.isTyped) return text;
+    return text + "[" + frameTypeText(chunk.type) + "]";
 }
 
 int64_t RuvoAVISource::fileSize() const {

@@ -56,6 +56,7 @@ class RuvoAVISource : public MediaTrackHelper {
         uint32_t size = 0;
         uint32_t bytesBefore = 0;  // of the stream, where the table counts bytes
         bool isSync = false;
+        bool isTyped = false;
         FrameType type = FrameType::kUnknown;
     };
 

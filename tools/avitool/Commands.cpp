@@ -9,6 +9,7 @@
 #include "tools/avitool/OpenedFile.h"
 #include "tools/avitool/Report.h"
 #include "tools/avitool/SamplePrinter.h"
+#include "tools/avitool/SeekPrinter.h"
 
 namespace avitool {
 
@@ -109,6 +110,24 @@ void runSamples(const Options& options, const service::PluginLibrary& plugin, Co
     if (!begun && options.json) printer->begin(path);
     printer->finish(problem);
     if (problem) console.complain(path, *problem);
+}
+
+void runSeek(const Options& options, const service::PluginLibrary& plugin, Console& console) {
+    SeekReport report;
+    report.path = options.files.front();
+    report.atUs = options.seekUs;
+    report.mode = options.seekMode;
+    report.error = problemOf([&] {
+        const OpenedFile file(plugin, report.path);
+        report.landings = seekTracks(file, report.atUs, report.mode);
+    });
+    (options.json ? printSeekJson : printSeekText)(report, console);
+    if (report.error) console.complain(report.path, *report.error);
+    for (const Landing& landing : report.landings) {
+        if (!landing.failure) continue;
+        console.complain(report.path,
+                         fmt::format("track {}: {}", landing.track, toText(*landing.failure)));
+    }
 }
 
 }  // namespace avitool

@@ -17,4 +17,9 @@ void runInfo(const Options& options, const android::service::PluginLibrary& plug
 void runSamples(const Options& options, const android::service::PluginLibrary& plugin,
                 Console& console);
 
+/** Shows where a seek lands on the first video track, and each audio track after it. Throws
+ * OutputError. */
+void runSeek(const Options& options, const android::service::PluginLibrary& plugin,
+             Console& console);
+
 }  // namespace avitool

@@ -55,7 +55,8 @@ std::string innerReason(std::vector<std::string> errors) {
 OpenedFile::OpenedFile(const service::PluginLibrary& plugin, const std::string& path) {
     pluginlog::beginFile(path);
     mSource = openSource(path);
-    mExtractor = openExtractor(plugin, *mSource);
+    mCounter = std::make_unique<CountingSource>(*mSource);
+    mExtractor = openExtractor(plugin, *mCounter);
     service::FormatResult result = mExtractor->metaData();  // the first query parses the file
     if (result.status != AMEDIA_OK) {
         throw FileError(fmt::format("cannot be parsed: {}{}", statusText(result.status),

@@ -11,6 +11,7 @@
 #include "service/Extractor.h"
 #include "service/FileSource.h"
 #include "service/PluginLibrary.h"
+#include "tools/avitool/CountingSource.h"
 
 namespace avitool {
 
@@ -28,9 +29,12 @@ class OpenedFile {
     const android::service::Extractor& extractor() const { return *mExtractor; }
     /** The file's own format. */
     const android::service::FormatView& format() const { return mFormat; }
+    /** Number of reads of the file so far. */
+    uint64_t readCount() const { return mCounter->readCount(); }
 
   private:
     std::unique_ptr<android::service::FileSource> mSource;
+    std::unique_ptr<CountingSource> mCounter;  // what the extractor reads through
     std::unique_ptr<android::service::Extractor> mExtractor;
     android::service::MediaFormat mFormat;
 };

@@ -28,25 +28,36 @@ constexpr LogLevel kLogLevels[] = {
     {"verbose", ANDROID_LOG_VERBOSE}, {"debug", ANDROID_LOG_DEBUG}, {"info", ANDROID_LOG_INFO},
     {"warn", ANDROID_LOG_WARN},       {"error", ANDROID_LOG_ERROR}, {"silent", ANDROID_LOG_SILENT}};
 
+struct ModeName {
+    const char* name;
+    SeekMode mode;
+};
+constexpr ModeName kModeNames[] = {{"previous", SeekMode::kPreviousSync},
+                                   {"next", SeekMode::kNextSync},
+                                   {"closest-sync", SeekMode::kClosestSync},
+                                   {"closest", SeekMode::kClosest}};
+
 constexpr const char* kFooter = R"(
 Properties for --set, each off with 0 and on with any other number:
   vendor.ruvo.avi.extract.log    the plug-in logs what it parses   (see it with --log verbose)
   vendor.ruvo.avi.verbose.log    the plug-in logs every chunk      (see it with --log verbose)
   vendor.ruvo.avi.disable.audio  the plug-in drops audio tracks
 
-JSON: info prints an array with an object for each file, in the order given, samples one object.
+JSON: info prints an array with an object for each file, in the order given; samples and seek print
+one object.
 A file that fails has a member "error" instead of its contents.
 
 Exit status:
   0  everything was shown
   1  a file cannot be read, is not claimed, fails to parse or has a track that fails; the rest is
-     shown all the same
+     shown all the same (a seek that finds the end of the stream is no failure)
   2  wrong use, or no usable plug-in
 
 Examples:
   avitool info clip.avi
   avitool info *.avi --json | jq '.[].tracks[].format.mime.value'
   avitool samples clip.avi --track 0 --limit 10
+  avitool seek clip.avi --at 61.5 --mode closest
   avitool info clip.avi --log debug
   avitool samples clip.avi --set vendor.ruvo.avi.verbose.log=1 --log verbose
 )";
@@ -75,6 +86,16 @@ void setLogLevel(const std::string& name, Options* options) {
         }
     }
     throw CLI::ValidationError("--log", "'" + name + "' is no log level");
+}
+
+void setSeekMode(const std::string& name, Options* options) {
+    for (const ModeName& entry : kModeNames) {
+        if (name == entry.name) {
+            options->seekMode = entry.mode;
+            return;
+        }
+    }
+    throw CLI::ValidationError("--mode", "'" + name + "' is no seek mode");
 }
 
 // CLI11 splits arguments in brackets at their commas, ends a subcommand at "++", and at "--" when
@@ -117,6 +138,25 @@ uint64_t parseCount(const std::string& option, const std::string& text) {
     const auto [stop, error] = std::from_chars(text.data(), end, value);
     if (error != std::errc() || stop != end) {
         throw CLI::ValidationError(option, "'" + text + "' is no number");
+    }
+    return value;
+}
+
+// Seconds as decimal digits with or without a fraction, of which six digits count, as microseconds.
+int64_t parseSeconds(const std::string& option, const std::string& text) {
+    constexpr size_t kFractionDigits = 6;
+    const size_t point = std::min(text.find('.'), text.size());
+    std::string fraction = text.substr(std::min(point + 1, text.size()));
+    const std::string digits = text.substr(0, point) + fraction;
+    const bool isNumber = !digits.empty() && std::all_of(digits.begin(), digits.end(), [](char c) {
+        return c >= '0' && c <= '9';
+    });
+    fraction.resize(kFractionDigits, '0');
+    const std::string micros = text.substr(0, point) + fraction;
+    int64_t value = 0;
+    const auto result = std::from_chars(micros.data(), micros.data() + micros.size(), value);
+    if (!isNumber || result.ec != std::errc()) {
+        throw CLI::ValidationError(option, "'" + text + "' is no time in seconds");
     }
     return value;
 }
@@ -187,6 +227,24 @@ void addSamples(CLI::App* app, Options* options) {
         "At most so many samples of each track");
 }
 
+void addSeek(CLI::App* app, Options* options) {
+    CLI::App* seek =
+        addCommand(app, "seek", "Show where a seek in an AVI file lands, video and audio",
+                   Command::kSeek, options);
+    addText(
+        seek, "FILE", "", [options](const std::string& file) { options->files.push_back(file); },
+        "The AVI file")
+        ->required();
+    addText(
+        seek, "--at", "SECONDS",
+        [options](const std::string& text) { options->seekUs = parseSeconds("--at", text); },
+        "The time to seek to, 61.5 for example")
+        ->required();
+    addText(
+        seek, "--mode", "MODE", [options](const std::string& text) { setSeekMode(text, options); },
+        "Where to land: previous (the default), next,\nclosest-sync or closest");
+}
+
 void defineLine(CLI::App* app, Options* options) {
     app->require_subcommand(0, 1);  // a missing one is told below, an unknown one as it stands
     app->set_version_flag("--version", "avitool " AVITOOL_VERSION);
@@ -197,9 +255,17 @@ void defineLine(CLI::App* app, Options* options) {
     addCommonOptions(app, options);
     addInfo(app, options);
     addSamples(app, options);
+    addSeek(app, options);
 }
 
 }  // namespace
+
+const char* modeName(SeekMode mode) {
+    for (const ModeName& entry : kModeNames) {
+        if (mode == entry.mode) return entry.name;
+    }
+    return "";
+}
 
 ParsedLine parseLine(int argc, const char* const* argv) {
     Options options;
@@ -209,7 +275,7 @@ ParsedLine parseLine(int argc, const char* const* argv) {
     try {
         app.parse(markedArguments(argc, argv));
         if (app.get_subcommands().empty()) {
-            throw CLI::RequiredError("A command (info or samples)");
+            throw CLI::RequiredError("A command (info, samples or seek)");
         }
         result.options = options;
     } catch (const CLI::ParseError& error) {

@@ -12,14 +12,19 @@
 
 namespace avitool {
 
-enum class Command { kInfo, kSamples };
+enum class Command { kInfo, kSamples, kSeek };
+
+/** How a seek chooses the frame it lands on; the values are those of a read's options. */
+enum class SeekMode : uint32_t { kPreviousSync = 0, kNextSync = 1, kClosestSync = 2, kClosest = 3 };
 
 struct Options {
     Command command = Command::kInfo;
-    std::vector<std::string> files;  // at least one; exactly one for samples
+    std::vector<std::string> files;  // at least one; exactly one for samples and seek
     bool json = false;
     std::optional<uint64_t> track;                                // unset: all
     std::optional<uint64_t> limit;                                // samples a track; unset: all
+    int64_t seekUs = 0;                                           // of seek, not negative
+    SeekMode seekMode = SeekMode::kPreviousSync;                  // of seek
     std::vector<std::pair<std::string, std::string>> properties;  // name and value
     int logPriority = ANDROID_LOG_SILENT;
     std::optional<std::string> plugin;  // unset: the one that belongs to the tool
@@ -34,5 +39,8 @@ struct ParsedLine {
 
 /** Never throws for a wrong line. One thread. */
 ParsedLine parseLine(int argc, const char* const* argv);
+
+/** The mode as it is written on the command line. */
+const char* modeName(SeekMode mode);
 
 }  // namespace avitool

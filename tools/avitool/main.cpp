@@ -45,6 +45,9 @@ int runCommand(const Options& options, Console& console) {
         case Command::kSamples:
             runSamples(options, plugin, console);
             break;
+        case Command::kSeek:
+            runSeek(options, plugin, console);
+            break;
     }
     return console.exitStatus();
 }

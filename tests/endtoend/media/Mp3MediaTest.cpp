@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// MP3, of which ffmpeg writes one frame a chunk. Apart from the other sounds, because it is cut into
-// frames and timed by them.
+// MP3, of which ffmpeg writes one frame a chunk. Apart from the other sounds, because it is cut
+// into frames and timed by them.
 
 #include <gtest/gtest.h>
 

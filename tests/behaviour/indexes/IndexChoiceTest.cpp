@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Which index a file's samples come from when it has several, or one for some of its streams only.
+
+#include "tests/behaviour/indexes/IndexesFixture.h"
+
+namespace avitest {
+namespace {
+
+using ::testing::Contains;
+
+class IndexChoice : public IndexesFixture {};
+
+// Video (0) with an OpenDML index that knows the first frame only, and audio (1) without one.
+AviFile halfIndexedFile() {
+    AviFile avi = twoStreamFile();
+    avi.segment().index.copies = 0;
+    avi.stream(0).openDml = OpenDml::kStandard;
+    avi.stream(0).edit = [](Chunk& strl) {
+        Bytes& index = strl.child("indx").payload;
+        index.resize(24 + 8);
+        index[4] = 1;
+    };
+    return avi;
+}
+
+TEST_F(IndexChoice, Idx1SuppliesAllTracksWhenOneHasNoIndex) {
+    AviFile avi = halfIndexedFile();
+    avi.segment().index.copies = 1;
+    openFile(avi.build());
+    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_EQ(0u, mLog.count("we already have index"));
+    EXPECT_FALSE(scanned());
+}
+
+TEST_F(IndexChoice, Idx1TakesTheTablesOfIndexedTracksAway) {
+    AviFile avi = halfIndexedFile();
+    avi.segment().index.copies = 1;
+    avi.segment().index.edit = [](std::vector<Idx1Entry>& entries) { entries[0].id = "77dc"; };
+    openFile(avi.build());
+    const auto chunks = chunkBytes(avi, 0);
+    EXPECT_EQ(std::vector<Bytes>(chunks.begin() + 1, chunks.end()), sampleBytes(0));
+}
+
+// Discarded samples leave their number of key frames behind.
+TEST_F(IndexChoice, Idx1KeepsTheKeyFramesOfADiscardedTableInTheCount) {
+    AviFile avi = halfIndexedFile();
+    avi.segment().index.copies = 1;
+    openFile(avi.build());
+    countTracks();
+    EXPECT_EQ(1u, mLog.count("finished samples 3 syncSamples 3"));  // 1 and 2
+}
+
+TEST_F(IndexChoice, ScanSuppliesTheTrackWithoutAnIndex) {
+    AviFile avi = halfIndexedFile();
+    openFile(avi.build());
+    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_TRUE(scanned());
+}
+
+TEST_F(IndexChoice, ScanAddsNothingToAnIndexedTrack) {
+    AviFile avi = halfIndexedFile();
+    openFile(avi.build());
+    EXPECT_EQ(std::vector<Bytes>(1, chunkBytes(avi, 0)[0]), sampleBytes(0));
+}
+
+TEST_F(IndexChoice, ScanMendsOnlyWhatIsNotIndexed) {
+    AviFile avi = twoStreamFile();
+    avi.segment().index.copies = 0;
+    avi.stream(0).openDml = OpenDml::kSuper;
+    openFile(avi.build());
+    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_EQ(std::vector<bool>({true, false, true}), syncFlags(0));
+}
+
+// An idx1 that turns out cut has discarded the tables by then: what is left is a scan, for all.
+TEST_F(IndexChoice, ScanSuppliesWhatACutIdx1TookAway) {
+    AviFile avi = twoStreamFile();
+    avi.stream(0).openDml = OpenDml::kStandard;
+    Bytes file = avi.build();
+    file.resize(file.size() - 8);
+    openFile(file);
+    ASSERT_EQ(2u, countTracks());
+    EXPECT_EQ(1u, mLog.count("Chunked file with wrong idx1("));
+    EXPECT_TRUE(scanned());
+    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+}
+
+TEST_F(IndexChoice, SubtitlesWithoutAnIndexNeedIdx1) {
+    AviFile avi = unindexedFile(3);
+    avi.stream(0).openDml = OpenDml::kStandard;
+    avi.addStream(videoStream("DXSB", 320, 240, 25));
+    avi.addChunk(1, bytesOf("[00:00:01.000-00:00:02.000]picture"));
+    avi.segment().index.copies = 1;
+    openFile(avi.build());
+    ASSERT_EQ(2u, countTracks());
+    EXPECT_EQ(0u, mLog.count("we already have index"));
+    EXPECT_EQ(1u, readAll(1).size());
+}
+
+TEST_F(IndexChoice, FailedIndexOfOneStreamLeavesThatOfAnotherAlone) {
+    AviFile avi = twoStreamFile();
+    avi.segment().index.copies = 0;
+    avi.stream(0).openDml = OpenDml::kSuper;
+    avi.stream(1).openDml = OpenDml::kSuper;
+    avi.stream(1).edit = [](Chunk& strl) { strl.child("indx").payload[3] = 5; };
+    openFile(avi.build());
+    EXPECT_EQ(std::vector<bool>({true, false, true}), syncFlags(0));
+    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_TRUE(scanned());
+}
+
+// The indexes belong to the stream in whose list they stand, whatever the order of the tracks.
+TEST_F(IndexChoice, SamplesGoToTheStreamOfTheListAlsoWhenVideoComesSecond) {
+    AviFile avi;
+    avi.addStream(pcmStream(1, 8000, 16));
+    avi.addStream(mjpegStream());
+    avi.addChunk(0, patternBytes(40, 1));
+    avi.addChunk(1, patternBytes(30, 2));
+    avi.addChunk(0, patternBytes(44, 3));
+    avi.segment().index.copies = 0;
+    for (const OpenDml form : {OpenDml::kStandard, OpenDml::kSuper}) {
+        avi.stream(0).openDml = form;
+        avi.stream(1).openDml = form;
+        openFile(avi.build());
+        ASSERT_EQ(2u, countTracks());
+        EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(0));
+        EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(1));
+    }
+}
+
+TEST_F(IndexChoice, IndexOfADroppedStreamGoesToNoOther) {
+    AviFile avi;
+    avi.addStream(mjpegStream());
+    avi.stream(0).header.type = "txts";
+    avi.addStream(mjpegStream());
+    avi.addChunk(0, patternBytes(40, 1));
+    avi.addChunk(1, patternBytes(30, 2));
+    avi.segment().index.copies = 0;
+    avi.stream(0).openDml = OpenDml::kStandard;
+    avi.stream(1).openDml = OpenDml::kStandard;
+    openFile(avi.build());
+    ASSERT_EQ(1u, countTracks());
+    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(0));
+}
+
+TEST_F(IndexChoice, IndexMayComeBeforeOtherChunksOfTheStreamList) {
+    AviFile avi = unindexedFile(3);
+    avi.stream(0).openDml = OpenDml::kSuper;
+    avi.stream(0).name = "Camera";
+    avi.stream(0).edit = [](Chunk& strl) { strl.arrange({"strh", "strf", "indx", "strn"}); };
+    openFile(avi.build());
+    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+}
+
+using IndexChoiceDeathTest = IndexChoice;
+
+constexpr char kMimeAssertion[] =
+    "CHECK\\(AMediaFormat_getString\\(mLastTrack->meta, AMEDIAFORMAT_KEY_MIME, &mime\\)\\) "
+    "failed\\.";
+
+TEST_F(IndexChoiceDeathTest, IndexInFrontOfTheFormatAborts) {
+    AviFile avi = unindexedFile(3);
+    avi.stream(0).edit = [](Chunk& strl) { strl.arrange({"strh", "indx", "strf"}); };
+    for (const OpenDml form : {OpenDml::kStandard, OpenDml::kSuper}) {
+        avi.stream(0).openDml = form;
+        const Bytes file = avi.build();
+        EXPECT_DEATH(
+            {
+                openFile(file);
+                countTracks();
+            },
+            kMimeAssertion);
+    }
+}
+
+TEST_F(IndexChoice, IndexInFrontOfTheFormatThatFailsDoesNotAbort) {
+    AviFile avi = unindexedFile(3);
+    avi.stream(0).openDml = OpenDml::kSuper;
+    avi.stream(0).edit = [](Chunk& strl) {
+        strl.arrange({"strh", "indx", "strf"});
+        strl.child("indx").payload[3] = 2;
+    };
+    openFile(avi.build());
+    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+}
+
+TEST_F(IndexChoice, EmptySuperIndexInFrontOfTheFormatDoesNotAbort) {
+    AviFile avi = twoStreamFile();
+    avi.stream(0).edit = [](Chunk& strl) {
+        strl.add(Chunk("indx", Bytes(24)));
+        strl.arrange({"strh", "indx", "strf"});
+    };
+    openFile(avi.build());
+    EXPECT_EQ(2u, countTracks());
+}
+
+TEST_F(IndexChoice, IndexInFrontOfTheStreamHeaderDropsTheStream) {
+    AviFile avi = twoStreamFile();
+    avi.stream(0).edit = [](Chunk& strl) {
+        strl.add(Chunk("indx", Bytes(24)));
+        strl.arrange({"indx", "strh", "strf"});
+    };
+    openFile(avi.build());
+    ASSERT_EQ(1u, countTracks());
+    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(0));
+}
+
+}  // namespace
+}  // namespace avitest
