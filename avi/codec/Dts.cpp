@@ -2,12 +2,12 @@
 #include "codec/Dts.h"
 
 #include <media/stagefright/MediaErrors.h>
-#include <media/stagefright/foundation/ABitReader.h>
 #include <media/stagefright/foundation/ByteUtils.h>
 #include <media/stagefright/foundation/MediaDefs.h>
 
 #include <algorithm>
 
+#include "support/GracefulBits.h"
 #include "support/Log.h"
 
 namespace android {
@@ -68,25 +68,6 @@ struct Frame {
     Frame from(size_t i) const { return i < size ? Frame{data + i, size - i} : Frame{data, 0}; }
 };
 
-// Bits that know whether they ran out. After that every read gives 0.
-class HeaderBits {
-  public:
-    explicit HeaderBits(const Frame& header) : mBits(header.data, header.size) {}
-
-    bool ok() const { return mOk; }
-    void skip(size_t count) { mOk = mOk && mBits.skipBits(count); }
-    bool flag() { return u(1) != 0; }
-    uint32_t u(size_t count) {
-        uint32_t value = 0;
-        mOk = mOk && mBits.getBitsGraceful(count, &value);
-        return mOk ? value : 0;
-    }
-
-  private:
-    ABitReader mBits;
-    bool mOk = true;
-};
-
 struct SubstreamHeader {
     bool isLarge;
     size_t size;
@@ -104,7 +85,7 @@ SubstreamHeader readSubstreamHeader(const Frame& frame) {
     return header;
 }
 
-void skipMixMetadata(HeaderBits* bits) {
+void skipMixMetadata(GracefulBits* bits) {
     if (!bits->flag()) return;
     bits->skip(2);
     const uint32_t maskWidth = (bits->u(2) + 1) * 4;
@@ -113,7 +94,7 @@ void skipMixMetadata(HeaderBits* bits) {
 }
 
 // Presentations and assets; returns the number of assets.
-uint32_t skipPresentations(HeaderBits* bits, uint32_t substreamIndex) {
+uint32_t skipPresentations(GracefulBits* bits, uint32_t substreamIndex) {
     bits->skip(5);
     if (bits->flag()) bits->skip(36);  // time stamp
     const uint32_t presentations = bits->u(3) + 1;
@@ -132,7 +113,7 @@ uint32_t skipPresentations(HeaderBits* bits, uint32_t substreamIndex) {
 }
 
 // The asset descriptor's static fields.
-void readAsset(HeaderBits* bits, DtsFormat* out) {
+void readAsset(GracefulBits* bits, DtsFormat* out) {
     if (bits->flag()) bits->skip(4);
     if (bits->flag()) bits->skip(24);  // language
     if (bits->flag()) {                // text
@@ -148,7 +129,7 @@ void readAsset(HeaderBits* bits, DtsFormat* out) {
 
 // Reads the substream header; false when it ends before its fields.
 bool readSubstreamFields(const Frame& frame, const SubstreamHeader& header, DtsFormat* out) {
-    HeaderBits bits({frame.data, std::min(frame.size, header.size)});
+    GracefulBits bits(frame.data, std::min(frame.size, header.size));
     bits.skip(40);
     const uint32_t substreamIndex = bits.u(2);
     bits.skip(header.isLarge ? 33 : 25);

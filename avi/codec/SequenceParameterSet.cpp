@@ -3,7 +3,6 @@
 // Walks a sequence parameter set as far as the platform's parser does, with reads that may fail.
 #include "codec/SequenceParameterSet.h"
 
-#include <media/stagefright/foundation/ABitReader.h>
 #include <string.h>
 
 #include <algorithm>
@@ -11,47 +10,13 @@
 #include <memory>
 #include <new>
 
+#include "support/GracefulBits.h"
+
 namespace android {
 
 namespace {
 
 constexpr uint32_t kMaxMacroblocks = 4096;  // 65536 samples: far above what any level allows
-
-// Bits that know whether they ran out. After that every read gives 0.
-class SpsBits {
-  public:
-    SpsBits(const uint8_t* data, size_t size) : mBits(data, size) {}
-
-    bool ok() const { return mOk; }
-
-    uint32_t u(size_t count) {
-        uint32_t value = 0;
-        if (mOk) mOk = mBits.getBitsGraceful(count, &value);
-        return mOk ? value : 0;
-    }
-
-    bool flag() { return u(1) != 0; }
-
-    // Unsigned Exp-Golomb code.
-    uint32_t ue() {
-        size_t zeros = 0;
-        while (mOk && !flag()) {
-            ++zeros;
-        }
-        if (zeros >= 32) mOk = false;
-        return mOk ? static_cast<uint32_t>((uint64_t{1} << zeros) - 1 + u(zeros)) : 0;
-    }
-
-    // Signed Exp-Golomb code.
-    int64_t se() {
-        const int64_t code = ue();
-        return code % 2 != 0 ? (code + 1) / 2 : -(code / 2);
-    }
-
-  private:
-    ABitReader mBits;
-    bool mOk = true;
-};
 
 bool hasChromaFormat(uint32_t profile) {
     static constexpr uint32_t kHighProfiles[] = {100, 110, 122, 244, 44,  83, 86,
@@ -60,7 +25,7 @@ bool hasChromaFormat(uint32_t profile) {
            std::end(kHighProfiles);
 }
 
-void skipScalingList(SpsBits* bits, size_t length) {
+void skipScalingList(GracefulBits* bits, size_t length) {
     int64_t lastScale = 8;
     for (size_t i = 0; i < length && bits->ok(); ++i) {
         const int64_t delta = std::clamp<int64_t>(bits->se(), -128, 127);
@@ -71,7 +36,7 @@ void skipScalingList(SpsBits* bits, size_t length) {
 }
 
 // Returns chroma_format_idc, or ChromaArrayType 0 for separate planes.
-uint32_t readChromaFormat(SpsBits* bits) {
+uint32_t readChromaFormat(GracefulBits* bits) {
     const uint32_t chromaFormat = bits->ue();
     const bool separatePlanes = chromaFormat == 3 && bits->flag();
     bits->ue();    // bit_depth_luma_minus8
@@ -86,7 +51,7 @@ uint32_t readChromaFormat(SpsBits* bits) {
     return separatePlanes ? 0 : chromaFormat;
 }
 
-void skipPictureOrderCount(SpsBits* bits) {
+void skipPictureOrderCount(GracefulBits* bits) {
     const uint32_t type = bits->ue();
     if (type == 0) bits->ue();  // log2_max_pic_order_cnt_lsb_minus4
     if (type != 1) return;
@@ -99,13 +64,13 @@ void skipPictureOrderCount(SpsBits* bits) {
 }
 
 // Two crop offsets must leave something of `size` samples.
-bool cropsSanely(SpsBits* bits, uint64_t size, uint64_t unit) {
+bool cropsSanely(GracefulBits* bits, uint64_t size, uint64_t unit) {
     uint64_t crop = bits->ue();
     crop += bits->ue();
     return crop * unit < size;
 }
 
-bool walkSequenceParameterSet(SpsBits* bits) {
+bool walkSequenceParameterSet(GracefulBits* bits) {
     const uint32_t profile = bits->u(8);
     bits->u(16);  // constraint flags, level
     bits->ue();   // seq_parameter_set_id
@@ -138,7 +103,7 @@ bool walkSequenceParameterSet(SpsBits* bits) {
 bool isSaneSequenceParameterSet(const uint8_t* data, size_t size) {
     constexpr size_t kMinSize = 4;  // header, profile, constraints, level
     if (size < kMinSize) return false;
-    SpsBits raw(data + 1, size - 1);
+    GracefulBits raw(data + 1, size - 1);
     if (!walkSequenceParameterSet(&raw)) return false;
 
     // Platforms differ in whether they take emulation prevention bytes (00 00 03) out first: the
@@ -152,7 +117,7 @@ bool isSaneSequenceParameterSet(const uint8_t* data, size_t size) {
         zeros = data[i] == 0 ? zeros + 1 : 0;
         if (!isEmulationPrevention) payload[length++] = data[i];
     }
-    SpsBits unescaped(payload.get(), length);
+    GracefulBits unescaped(payload.get(), length);
     return walkSequenceParameterSet(&unescaped);
 }
 

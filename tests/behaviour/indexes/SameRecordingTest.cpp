@@ -143,8 +143,10 @@ TEST_P(SameMediaFile, StoredAnewIsWhatFfmpegWrote) {
 }
 
 std::vector<Recipe> recipes() {
-    const std::vector<Recipe> mixed = mixedRecipes();
-    return {mixed.at(1), mixed.at(3)};
+    std::vector<Recipe> all = {mp3Recipe()};
+    for (const std::vector<Recipe>& more : {videoRecipes(), audioRecipes(), mixedRecipes()})
+        all.insert(all.end(), more.begin(), more.end());
+    return all;
 }
 
 INSTANTIATE_TEST_SUITE_P(Media, SameMediaFile, ::testing::ValuesIn(recipes()),
