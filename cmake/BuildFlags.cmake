@@ -4,15 +4,19 @@ add_compile_options(
     -Wall -Wextra -Werror -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
     -Wformat=2 -Wimplicit-fallthrough -Wundef)
 
+# The standard library and GoogleTest wrap on purpose, in hashing for example.
+set(wrap_ignorelist -fsanitize-ignorelist=${CMAKE_SOURCE_DIR}/cmake/intsan-ignorelist.txt)
+
 if(AVI_SANITIZE STREQUAL "address")
-    set(sanitizer_flags -fsanitize=address,undefined -fno-sanitize-recover=all)
+    set(sanitizer_flags
+        -fsanitize=address,undefined,unsigned-integer-overflow ${wrap_ignorelist}
+        -fno-sanitize-recover=all)
 elseif(AVI_SANITIZE STREQUAL "integer")
-    # What the platform compiles extractors with: an unnamed wrap is a trap. The standard library's
-    # own hashing wraps on purpose, hence the list of exceptions.
+    # What the platform compiles extractors with: an unnamed wrap is a trap.
     set(sanitizer_flags
         -fsanitize=signed-integer-overflow,unsigned-integer-overflow
         -fsanitize-trap=signed-integer-overflow,unsigned-integer-overflow
-        -fsanitize-ignorelist=${CMAKE_SOURCE_DIR}/cmake/intsan-ignorelist.txt)
+        ${wrap_ignorelist})
 elseif(AVI_SANITIZE STREQUAL "fuzz")
     set(sanitizer_flags -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all)
 elseif(AVI_SANITIZE STREQUAL "thread")
