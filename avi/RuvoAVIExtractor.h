@@ -91,6 +91,10 @@ class RuvoAVIExtractor : public MediaExtractorPluginHelper {
     status_t parseHeaderChunk(const ChunkWalker& chunk, bool* foundAvih, uint32_t* streamLists);
     status_t parseAVIH(int64_t start, int64_t end);
 
+    // riff/Info.cpp
+    status_t parseINFO(int64_t start, int64_t end);
+    void publishTag(const char* key, int64_t offset, uint32_t padded);
+
     // riff/StreamList.cpp, working on mCurrentTrack like all parsers of stream chunks
     struct StreamListState;
     status_t parseSTRL(int64_t start, int64_t end, uint32_t streamIndex);
@@ -233,8 +237,5 @@ class RuvoAVIExtractor : public MediaExtractorPluginHelper {
     std::vector<Track*> mTracksByStream;       // by stream number; null where a stream was dropped
     MediaFormatPtr mFileMeta{AMediaFormat_new()};
 };
-
-// Exported key of the track formats: average bit rate in bits per second, int32.
-extern const char* const AMEDIAFORMAT_KEY_AVI_AV_BIT_RATE;
 
 }  // namespace android

@@ -5,6 +5,8 @@
 
 namespace android {
 
+const char* const AMEDIAFORMAT_KEY_AVI_AV_BIT_RATE = "av-bitrate";
+
 const char* trackMime(const Track& track) {
     const char* mime = nullptr;
     AVI_CHECK_TEXT(AMediaFormat_getString(track.meta.get(), AMEDIAFORMAT_KEY_MIME, &mime),

@@ -141,6 +141,9 @@ struct Track {
     bool mIsIncludeExpensiveMeta = false;  // the thumbnail time is in meta
 };
 
+// Key of the track formats: average bit rate in bits per second, int32.
+extern const char* const AMEDIAFORMAT_KEY_AVI_AV_BIT_RATE;
+
 // How the samples of an AVC stream are framed: TrackInfo::mAVCStyle.
 constexpr int32_t kLengthPrefixes = 0;
 constexpr int32_t kStartCodes = 1;

@@ -22,6 +22,7 @@ namespace {
 constexpr std::string_view kExpected[] = {
     // An index before the stream's format: the track has no type yet.
     "CHECK(AMediaFormat_getString(track->meta, AMEDIAFORMAT_KEY_MIME, &mime)) failed.",
+    "CHECK(AMediaFormat_getString(mLastTrack->meta, AMEDIAFORMAT_KEY_MIME, &mime)) failed.",
     // A codec configuration with one of the four reserved or escaped sampling rates.
     "CHECK_LE( samplingFreqIndex,11u) failed:",
     // Units with short length prefixes, which grow beyond the buffer as they get start codes.

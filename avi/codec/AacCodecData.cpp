@@ -21,13 +21,14 @@ constexpr size_t kLoggedSamples = 10;
 
 // The configuration by the first sample; sets the track's framing keys.
 AacConfig configFromSample(const uint8_t (&header)[kAdtsProbeBytes], Track* track) {
-    constexpr uint8_t kCopyrightIdStart = 2;  // a set bit here is no ADTS that decoders sync to
+    // The top bit of the frame length: no frame is that long, so what looks like a header is data.
+    constexpr uint8_t kFrameOf4096Bytes = 0x02;
     AMediaFormat* meta = track->meta.get();
     AacConfig config;
     config.samplingFreqIndex = aacFreqIndex(track->info.mSamplesPerSec);
     config.channels = track->info.mChannels;
     track->info.mIsRawAACData = true;
-    const bool isAdts = isAdtsHeader(header) && (header[3] & kCopyrightIdStart) == 0;
+    const bool isAdts = isAdtsHeader(header) && (header[3] & kFrameOf4096Bytes) == 0;
     if (isAdts) {
         track->info.mIsRawAACData = false;
         config = readAdtsHeader(header);

@@ -8,13 +8,12 @@
 #include <algorithm>
 
 #include "RuvoAVIExtractor.h"
+#include "TrackDump.h"
 #include "support/BitRate.h"
 #include "support/Log.h"
 #include "support/Mime.h"
 
 namespace android {
-
-const char* const AMEDIAFORMAT_KEY_AVI_AV_BIT_RATE = "av-bitrate";
 
 namespace {
 
@@ -106,6 +105,7 @@ void publishDuration(Track* track, const char* mime, int64_t durationUs) {
 status_t RuvoAVIExtractor::finishParse() {
     for (Track& track : mTracks) {
         finishTrack(&track);
+        dumpTrack(track);
     }
     if (!mHasVideo && !mHasAudio && !mHasSubtitle) return ERROR_UNSUPPORTED;
     return OK;

@@ -145,6 +145,7 @@ status_t RuvoAVIExtractor::parseFirstRiffList(const ChunkWalker& chunk, FirstRif
             return err;
         }
         case fourcc("INFO"):
+            parseINFO(chunk.listContents(), chunk.next());
             return OK;
         default:
             logUnknownList("parseFirstRIFF", chunk.header());

@@ -22,20 +22,20 @@ void writeVc1StartCode(uint8_t* out) {
 }
 
 bool PrefixedNalReader::next(PrefixedNal* out) {
-    while (mSize - mPosition >= mPrefixSize) {
-        size_t length = 0;
-        for (size_t i = 0; i < mPrefixSize; ++i) {
-            length = length << 8 | mData[mPosition + i];
-        }
-        mPosition += mPrefixSize;
-        if (length == 0) continue;
-        out->offset = mPosition;
-        out->length = length;
-        out->isWhole = length <= mSize - mPosition;
-        mPosition += std::min(length, mSize - mPosition);
+    if (mPosition == mSize) return false;
+    *out = {};
+    out->prefixAt = out->offset = mPosition;
+    if (mSize - mPosition < mPrefixSize) {
+        mPosition = mSize;
         return true;
     }
-    return false;
+    for (size_t i = 0; i < mPrefixSize; ++i) {
+        out->length = out->length << 8 | mData[mPosition + i];
+    }
+    out->offset += mPrefixSize;
+    out->isWhole = out->length <= mSize - out->offset;
+    mPosition = out->offset + std::min(out->length, mSize - out->offset);
+    return true;
 }
 
 size_t writeNalUnit(const uint8_t* unit, size_t length, uint8_t* out, size_t capacity) {

@@ -30,19 +30,21 @@ void writeVc1StartCode(uint8_t* out);
 
 // One unit of a length-prefixed sample.
 struct PrefixedNal {
-    size_t offset = 0;     // of its bytes in the sample
-    size_t length = 0;     // as announced
+    size_t prefixAt = 0;   // offset of its length prefix in the sample
+    size_t offset = 0;     // of its bytes
+    size_t length = 0;     // as announced; 0 for an empty unit
     bool isWhole = false;  // the sample holds all of it
 };
 
-// Walks the units of a sample. Every step advances; a rest shorter than a prefix ends the walk.
+// Walks the units of a sample. Every step advances; a rest shorter than a prefix counts as one
+// last empty unit that is not whole.
 class PrefixedNalReader {
   public:
     // `prefixSize`: 1 to 4 bytes.
     PrefixedNalReader(const uint8_t* data, size_t size, size_t prefixSize)
         : mData(data), mSize(size), mPrefixSize(prefixSize) {}
 
-    // The next unit of a length other than 0, or false at the end.
+    // The next unit, or false at the end.
     bool next(PrefixedNal* out);
 
   private:

@@ -10,12 +10,20 @@
 
 namespace android {
 
-// Enough of a frame to tell its type.
-constexpr size_t kFrameProbeBytes = 256;
-
 FrameType RuvoAVISource::getFrameType(const uint8_t* data, size_t size) const {
     if (mIsAVC || mIsHEVC) return avcFrameType(data, size);
     return mIsMPEG4 ? mpeg4FrameType(data, size) : genericFrameType(data, size);
+}
+
+// Types frame i by its first bytes; false when they cannot be read.
+bool RuvoAVISource::probeFrame(size_t i, FrameType* type) const {
+    uint8_t bytes[256];
+    const uint32_t chunkSize = mTable->chunkSize(i, mInfo.mSampleSize != 0);
+    const size_t size = std::min<size_t>(chunkSize, sizeof(bytes));
+    const ssize_t got = mDataSource->readAt(mTable->mSampleOffsets[i], bytes, size);
+    if (got != static_cast<ssize_t>(size)) return false;
+    *type = getFrameType(bytes, size);
+    return true;
 }
 
 // B-frames that directly follow the sample just read. Unreadable ones are passed over: they lie
@@ -23,12 +31,9 @@ FrameType RuvoAVISource::getFrameType(const uint8_t* data, size_t size) const {
 int64_t RuvoAVISource::followingBFrames() const {
     int64_t count = 0;
     for (size_t i = mCurrentSampleIndex; i < mTable->size(); ++i) {
-        uint8_t bytes[kFrameProbeBytes];
-        const uint32_t chunkSize = mTable->chunkSize(i, mInfo.mSampleSize != 0);
-        const size_t size = std::min<size_t>(chunkSize, sizeof(bytes));
-        const ssize_t got = mDataSource->readAt(mTable->mSampleOffsets[i], bytes, size);
-        if (got != static_cast<ssize_t>(size)) continue;
-        if (getFrameType(bytes, size) != FrameType::kBidirectional) break;
+        FrameType type = FrameType::kUnknown;
+        if (!probeFrame(i, &type)) continue;
+        if (type != FrameType::kBidirectional) break;
         ++count;
     }
     return count;

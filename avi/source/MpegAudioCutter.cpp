@@ -26,25 +26,31 @@ MpegAudioCutter::MpegAudioCutter(const TrackInfo& info)
       mUnitUs(
           divideOrZero(wrapMul32(info.mScale, static_cast<uint32_t>(kUsPerSecond)), info.mRate)) {}
 
-MpegAudioCut MpegAudioCutter::cut(const uint8_t* data, size_t length) const {
-    MpegAudioCut cut;
+MpegAudioFound MpegAudioCutter::find(const uint8_t* data, size_t length) const {
+    MpegAudioFound found;
     for (size_t p = 0; p + kMpegAudioHeaderSize <= length; ++p) {
         const uint32_t candidate = U32_AT(data + p);
         if (((candidate ^ mStreamHeader) & kMpegAudioStreamMask) != 0) continue;
-        cut.header = candidate;
-        cut.start = p;
+        found.position = static_cast<int>(p);
+        found.header = candidate;
+        found.isValid = parseMP3Header(candidate, &found.frameSize, &found.layer, &found.bitRate);
         break;
     }
-    const bool isValid =
-        cut.header != 0 && parseMP3Header(cut.header, &cut.size, nullptr, &cut.bitRate);
-    if (isValid && cut.size >= kMinFrameSize) {
+    return found;
+}
+
+MpegAudioCut MpegAudioCutter::cut(const uint8_t* data, size_t length) const {
+    MpegAudioCut cut;
+    cut.found = find(data, length);
+    if (cut.found.isValid && cut.found.frameSize >= kMinFrameSize) {
+        cut.start = static_cast<size_t>(cut.found.position);
+        cut.size = cut.found.frameSize;
         const bool isWhole = cut.size <= length - cut.start;
         cut.kind = isWhole ? MpegAudioCut::Kind::kFrame : MpegAudioCut::Kind::kSpanning;
         return cut;
     }
-    const bool needsHeader = !isValid && length >= kMpegAudioHeaderSize;
+    const bool needsHeader = !cut.found.isValid && length >= kMpegAudioHeaderSize;
     cut.kind = needsHeader ? MpegAudioCut::Kind::kHeaderless : MpegAudioCut::Kind::kRest;
-    cut.start = 0;
     cut.size = needsHeader && mBlockSize != 0 ? std::min(mBlockSize, length) : length;
     return cut;
 }
@@ -58,7 +64,7 @@ void MpegAudioCutter::createHeader(uint8_t* data, size_t length) const {
 }
 
 int64_t MpegAudioCutter::durationUs(const MpegAudioCut& cut) {
-    return divideOrZero<int64_t>(static_cast<int64_t>(cut.size) * 8000, cut.bitRate);
+    return divideOrZero<int64_t>(static_cast<int64_t>(cut.size) * 8000, cut.found.bitRate);
 }
 
 int64_t MpegAudioCutter::stamp(const MpegAudioCut& cut, int64_t chunkTimeUs) {

@@ -12,6 +12,16 @@
 
 namespace android {
 
+// The first header of the stream's kind in some data, and what it tells.
+struct MpegAudioFound {
+    int position = -1;    // in the data; -1: there is none
+    uint32_t header = 0;  // 0: none
+    bool isValid = false;
+    size_t frameSize = 0;
+    uint32_t layer = 0;  // the header's field
+    int bitRate = 0;     // in kbit/s
+};
+
 // One cut: bytes [start, start + size) of the data it was made in.
 struct MpegAudioCut {
     enum class Kind {
@@ -23,8 +33,7 @@ struct MpegAudioCut {
     Kind kind = Kind::kRest;
     size_t start = 0;
     size_t size = 0;
-    uint32_t header = 0;  // 0 when none was found
-    int bitRate = 0;      // in kbit/s
+    MpegAudioFound found;
 };
 
 class MpegAudioCutter {
@@ -47,6 +56,7 @@ class MpegAudioCutter {
     void setTime(int64_t timeUs) { mTimeUs = timeUs; }
 
   private:
+    MpegAudioFound find(const uint8_t* data, size_t length) const;
     static int64_t durationUs(const MpegAudioCut& cut);
 
     bool mIsActive;

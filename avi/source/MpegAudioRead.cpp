@@ -29,6 +29,7 @@ media_status_t RuvoAVISource::readMpegAudioFrame(const Seek& seek, MediaBufferHe
         const media_status_t err = loadMpegAudioChunk(&chunk);
         if (err != AMEDIA_OK) return err;
         chunkTimeUs = calculateFrameDTS(FrameType::kUnknown, chunk.bytesBefore);
+        logChunk(chunk, chunkTimeUs, seek);
         if (seek.requested) shareSeekTime(chunk, chunkTimeUs);
     }
     return cutMpegAudioFrame(chunk, chunkTimeUs, out);
@@ -45,6 +46,7 @@ media_status_t RuvoAVISource::loadMpegAudioChunk(Chunk* chunk) {
         const media_status_t err = acquireChunkBuffer();
         if (err != AMEDIA_OK) return err;
     }
+    beginRead();
     if (!loadPlain(*chunk, rest)) return shortRead(*chunk, __LINE__);
     const size_t consumed = std::min<size_t>(mChunkConsumed, rest + chunk->size);
     mChunkConsumed = 0;
@@ -52,6 +54,10 @@ media_status_t RuvoAVISource::loadMpegAudioChunk(Chunk* chunk) {
     if (left >= kMinLeft) {
         mBuffer->set_range(consumed, left);
         return AMEDIA_OK;
+    }
+    if (isEnableLogOutput()) {
+        AVI_LOGD("%s Only %zu bytes left@%zu in this chunk with size %zu...",
+                 prefix(*chunk).c_str(), left, consumed, size_t{chunk->size});
     }
     return appendMpegAudioChunk(consumed, left, chunk);
 }
@@ -80,6 +86,7 @@ media_status_t RuvoAVISource::cutMpegAudioFrame(const Chunk& chunk, int64_t chun
     uint8_t* data = static_cast<uint8_t*>(mBuffer->data()) + mBuffer->range_offset();
     const size_t length = mBuffer->range_length();
     const MpegAudioCut cut = mCutter.cut(data, length);
+    if (isEnableLogOutput()) logCut(chunk, cut.found, length);
     if (cut.kind == MpegAudioCut::Kind::kHeaderless) {
         AVI_LOGW("%s %d bytes bad MP3 frame without header, create header for it.",
                  prefix(chunk).c_str(), static_cast<int>(length));
@@ -106,8 +113,14 @@ media_status_t RuvoAVISource::cutMpegAudioFrame(const Chunk& chunk, int64_t chun
     }
     frame->set_range(0, cut.size);
     publishMetaData(frame, timeUs, true);
-    *out = frame;
-    return AMEDIA_OK;
+    return returnBuffer(out, frame, timeUs);
+}
+
+void RuvoAVISource::logCut(const Chunk& chunk, const MpegAudioFound& found, size_t length) const {
+    AVI_LOGD("%s MP3HDR/START/FRMSZ/CHKSZ/BUFLEN/BITRATE/LAYER=(%X/%d/%zd/%zu/%d/%d/%u) %s",
+             prefix(chunk).c_str(), found.header, found.position,
+             static_cast<ssize_t>(found.frameSize), size_t{chunk.size}, static_cast<int>(length),
+             found.bitRate, found.layer, found.isValid ? "OK" : "");
 }
 
 // A buffer for a frame of `size` bytes.
@@ -137,18 +150,26 @@ void RuvoAVISource::takeFromRest(size_t count) {
 bool RuvoAVISource::completeMpegAudioFrame(const Chunk& loaded, size_t frameSize, size_t have,
                                            MediaBufferHelper* frame) {
     bool wholeChunkConsumed = false;
-    size_t got = 0;
+    ssize_t got = 0;
     while (have < frameSize) {
         const size_t missing = frameSize - have;
-        const status_t err =
-            readNextChunk(static_cast<uint8_t*>(frame->data()) + have, missing, &got);
+        auto* rest = static_cast<uint8_t*>(frame->data()) + have;
+        const status_t err = readNextChunk(rest, missing, &got);
+        if (isEnableLogOutput()) {
+            AVI_LOGD("%s[%u] Read remained %d bytes from next chunk %d/%zd/%zu %s",
+                     prefix(loaded).c_str(), mCurrentSampleIndex - 1, static_cast<int>(missing),
+                     static_cast<int>(have), got, size_t{loaded.size}, err == OK ? "OK" : "");
+        }
         if (err != OK) {
             AVI_LOGE("%s readNextChunk return %d!", prefix(loaded).c_str(), err);
             return false;
         }
         ++mCurrentSampleIndex;
-        wholeChunkConsumed = wholeChunkConsumed || missing == loaded.size;
-        have += got;
+        if (missing == loaded.size) {
+            wholeChunkConsumed = true;
+            logWholeChunk(loaded);
+        }
+        have += static_cast<size_t>(got);
     }
     if (wholeChunkConsumed) {
         mChunkConsumed = 0;
@@ -159,20 +180,25 @@ bool RuvoAVISource::completeMpegAudioFrame(const Chunk& loaded, size_t frameSize
     return true;
 }
 
-// Reads up to `wanted` bytes of the chunk at mCurrentSampleIndex, which stays the next one.
-status_t RuvoAVISource::readNextChunk(uint8_t* dst, size_t wanted, size_t* got) {
+void RuvoAVISource::logWholeChunk(const Chunk& loaded) const {
+    if (!isEnableLogOutput()) return;
+    AVI_LOGD("%s[%u] chunk consumed with whole size %zu...", prefix(loaded).c_str(),
+             mCurrentSampleIndex - 1, size_t{loaded.size});
+}
+
+// Reads up to `wanted` bytes of the chunk at mCurrentSampleIndex, which stays the next one. `got`
+// is what the read answered.
+status_t RuvoAVISource::readNextChunk(uint8_t* dst, size_t wanted, ssize_t* got) {
     const size_t i = mCurrentSampleIndex;
     if (i >= mTable->size()) {
         AVI_LOG_FAILURE("readNextChunk", ERROR_END_OF_STREAM, __LINE__);
         return ERROR_END_OF_STREAM;
     }
     const size_t size = std::min<size_t>(mTable->chunkSize(i, mInfo.mSampleSize != 0), wanted);
-    if (mDataSource->readAt(mTable->mSampleOffsets[i], dst, size) != static_cast<ssize_t>(size)) {
-        AVI_LOG_FAILURE("readNextChunk", ERROR_IO, __LINE__);
-        return ERROR_IO;
-    }
-    *got = size;
-    return OK;
+    *got = mDataSource->readAt(mTable->mSampleOffsets[i], dst, size);
+    if (*got == static_cast<ssize_t>(size)) return OK;
+    AVI_LOG_FAILURE("readNextChunk", ERROR_IO, __LINE__);
+    return ERROR_IO;
 }
 
 }  // namespace android

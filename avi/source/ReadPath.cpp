@@ -2,13 +2,9 @@
 //
 // One call of read(): choose the next chunk, load it into a buffer in the form that decoders take,
 // work out its time, hand it over.
-#include <string.h>
-
 #include <algorithm>
-#include <memory>
-#include <new>
+#include <utility>
 
-#include "source/Conversions.h"
 #include "source/RuvoAVISource.h"
 #include "support/Check.h"
 #include "support/Log.h"
@@ -36,6 +32,7 @@ media_status_t RuvoAVISource::read(MediaBufferHelper** out, const ReadOptions* o
     err = loadNextChunk(&chunk);
     if (err != AMEDIA_OK) return err;
     const int64_t timeUs = sampleTimeUs(chunk);
+    logChunk(chunk, timeUs, request);
     if (request.requested) shareSeekTime(chunk, timeUs);
     err = convertPcm(chunk);
     if (err != AMEDIA_OK) return err;
@@ -43,7 +40,7 @@ media_status_t RuvoAVISource::read(MediaBufferHelper** out, const ReadOptions* o
     if (request.targetUs >= 0) {
         AMediaFormat_setInt64(mBuffer->meta_data(), AMEDIAFORMAT_KEY_TARGET_TIME, request.targetUs);
     }
-    return returnBuffer(out);
+    return returnBuffer(out, std::exchange(mBuffer, nullptr), timeUs);
 }
 
 // Fills mBuffer with the next chunk.
@@ -89,125 +86,6 @@ media_status_t RuvoAVISource::acquireChunkBuffer() {
     return AMEDIA_OK;
 }
 
-// Fills mBuffer and sets its range.
-media_status_t RuvoAVISource::loadChunk(Chunk* chunk) {
-    size_t insertedBytes = 0;
-    bool loaded = false;
-    if (mIsWVC1) {
-        loaded = loadVc1(chunk, &insertedBytes);
-    } else if (mIsAVC && mInfo.mAVCStyle == 0 && mInfo.mAVCSizeLength >= 1) {
-        loaded = loadLengthPrefixed(*chunk);
-    } else {
-        loaded = loadPlain(*chunk, 0);
-    }
-    if (!loaded) return shortRead(*chunk, __LINE__);
-    mBuffer->set_range(0, insertedBytes + chunk->size);
-    if (!mIsAudio) {
-        chunk->isTyped = true;
-        chunk->type =
-            getFrameType(static_cast<const uint8_t*>(mBuffer->data()), insertedBytes + chunk->size);
-    }
-    return AMEDIA_OK;
-}
-
-// The common case: one read, straight into the buffer, from `position` on.
-bool RuvoAVISource::loadPlain(const Chunk& chunk, size_t position) {
-    if (position > mBufferCapacity || chunk.size > mBufferCapacity - position) return false;
-    uint8_t* data = static_cast<uint8_t*>(mBuffer->data()) + position;
-    return mDataSource->readAt(chunk.offset, data, chunk.size) == static_cast<ssize_t>(chunk.size);
-}
-
-// VC-1 decoders find frames by their start codes, which most writers leave out. The frame header
-// tells key frames better than the index.
-bool RuvoAVISource::loadVc1(Chunk* chunk, size_t* insertedBytes) {
-    if (mBufferCapacity < kStartCodeSize) return false;
-    uint8_t bytes[kVc1ProbeBytes] = {};
-    const size_t probed = std::min<size_t>(chunk->size, sizeof(bytes));
-    if (mDataSource->readAt(chunk->offset, bytes, probed) != static_cast<ssize_t>(probed)) {
-        return false;
-    }
-    const Vc1Frame frame = probeVc1Frame(bytes);
-    chunk->isSync = frame.isSync;
-    if (!frame.hasStartCode) {
-        writeVc1StartCode(static_cast<uint8_t*>(mBuffer->data()));
-        *insertedBytes = kStartCodeSize;
-    }
-    return loadPlain(*chunk, *insertedBytes);
-}
-
-// Decoders take start codes. The published length stays that of the chunk, which is exact for the
-// usual prefixes of four bytes.
-bool RuvoAVISource::loadLengthPrefixed(const Chunk& chunk) {
-    const int64_t size = fileSize();
-    if (chunk.size > mBufferCapacity || (size > 0 && chunk.offset + chunk.size > size))
-        return false;
-    const std::unique_ptr<uint8_t[]> sample(new (std::nothrow) uint8_t[chunk.size]);
-    if (sample == nullptr || mDataSource->readAt(chunk.offset, sample.get(), chunk.size) !=
-                                 static_cast<ssize_t>(chunk.size)) {
-        return false;
-    }
-    uint8_t* out = static_cast<uint8_t*>(mBuffer->data());
-    size_t dstOffset = 0;
-    PrefixedNal unit;
-    PrefixedNalReader units(sample.get(), chunk.size, static_cast<size_t>(mInfo.mAVCSizeLength));
-    for (unsigned number = 1; units.next(&unit); ++number) {
-        AVI_CHECK_TEXT(dstOffset + kStartCodeSize <= mBufferCapacity,
-                       "dstOffset + 4 <= mBuffer->size()");
-        const size_t remaining = chunk.size - unit.offset;
-        if (!unit.isWhole) logMalformedNal(chunk, sample.get(), unit, number);
-        dstOffset += writeNalUnit(sample.get() + unit.offset, std::min(unit.length, remaining),
-                                  out + dstOffset, mBufferCapacity - dstOffset);
-    }
-    if (dstOffset < chunk.size) memset(out + dstOffset, 0, chunk.size - dstOffset);
-    return true;
-}
-
-void RuvoAVISource::logMalformedNal(const Chunk& chunk, const uint8_t* sample,
-                                    const PrefixedNal& unit, unsigned number) const {
-    uint8_t bytes[8] = {};
-    const size_t prefixAt = unit.offset - static_cast<size_t>(mInfo.mAVCSizeLength);
-    memcpy(bytes, sample + prefixAt, std::min(sizeof(bytes), chunk.size - prefixAt));
-    AVI_LOGE(
-        "%s %02X %02X %02X %02X %02X %02X %02X %02X NAL%u LenOff %zu Len %zu/%zu/%zu "
-        "MALFORMED!!!",
-        prefix(chunk).c_str(), bytes[0], bytes[1], bytes[2], bytes[3], bytes[4], bytes[5], bytes[6],
-        bytes[7], number, unit.offset, unit.length, chunk.size - unit.offset, size_t{chunk.size});
-}
-
-// The platform's audio path takes 16 bits.
-media_status_t RuvoAVISource::convertPcm(const Chunk& chunk) {
-    if (!mIsRawPCM) return AMEDIA_OK;
-    uint8_t* data = static_cast<uint8_t*>(mBuffer->data());
-    switch (mInfo.mBitsPerSample) {
-        case 32:
-            mBuffer->set_range(0, narrowPcm32(data, chunk.size));
-            return AMEDIA_OK;
-        case 24:
-            mBuffer->set_range(0, narrowPcm24(data, chunk.size));
-            return AMEDIA_OK;
-        case 8:
-            return convertPcm8(chunk);
-        default:
-            return AMEDIA_OK;
-    }
-}
-
-media_status_t RuvoAVISource::convertPcm8(const Chunk& chunk) {
-    MediaBufferHelper* wide = nullptr;
-    size_t capacity = 0;
-    if (acquireBuffer(&wide, &capacity) != AMEDIA_OK) {
-        return bufferFailure(chunk, __LINE__);
-    }
-    AVI_CHECK_TEXT(wide != nullptr, "tmp != NULL");
-    const size_t size = std::min<size_t>(chunk.size, capacity / 2);
-    widenPcm8(static_cast<const uint8_t*>(mBuffer->data()), size,
-              static_cast<uint8_t*>(wide->data()));
-    wide->set_range(0, 2 * size);
-    releaseBuffer();
-    mBuffer = wide;
-    return AMEDIA_OK;
-}
-
 void RuvoAVISource::publishMetaData(MediaBufferHelper* buffer, int64_t timeUs, bool isSync) {
     AMediaFormat* meta = buffer->meta_data();
     AMediaFormat_clear(meta);  // a reused buffer still has the keys of its last sample
@@ -215,9 +93,16 @@ void RuvoAVISource::publishMetaData(MediaBufferHelper* buffer, int64_t timeUs, b
     if (isSync) AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_IS_SYNC_FRAME, 1);
 }
 
-media_status_t RuvoAVISource::returnBuffer(MediaBufferHelper** out) {
-    *out = mBuffer;
-    mBuffer = nullptr;
+// Hands a finished buffer over, and tells the log of it.
+media_status_t RuvoAVISource::returnBuffer(MediaBufferHelper** out, MediaBufferHelper* buffer,
+                                           int64_t timeUs) {
+    *out = buffer;
+    if (!isEnableLogOutput()) return AMEDIA_OK;
+    const uint32_t index = mCurrentSampleIndex - 1;
+    AVI_LOGD("[%s][%u][%u] mBuffer meta data: %s", mMime.c_str(), mInfo.mStreamIndex, index,
+             AMediaFormat_toString(buffer->meta_data()));
+    dumpData(static_cast<const uint8_t*>(buffer->data()) + buffer->range_offset(),
+             buffer->range_length(), timeUs, index);
     return AMEDIA_OK;
 }
 
@@ -254,7 +139,7 @@ std::string RuvoAVISource::prefix(const Chunk& chunk) const {
     if (!chunk.isLoaded) return prefix();
     const std::string track =
         chunk.isJoined ? "[" + std::to_string(mInfo.mStreamIndex) + "]" : prefix();
-    const std::string text =
+    std::string text =
         track + "[" + std::to_string(chunk.index) + "/" + std::to_string(mTable->size()) + "]";
     if (!mIsVideo || !chunk.isTyped) return text;
     return text + "[" + frameTypeText(chunk.type) + "]";

@@ -77,16 +77,8 @@ class RuvoAVISource : public MediaTrackHelper {
     media_status_t loadNextChunk(Chunk* chunk);
     media_status_t acquireBuffer(MediaBufferHelper** out, size_t* capacity);
     media_status_t acquireChunkBuffer();
-    media_status_t loadChunk(Chunk* chunk);
-    bool loadPlain(const Chunk& chunk, size_t position);
-    bool loadVc1(Chunk* chunk, size_t* insertedBytes);
-    bool loadLengthPrefixed(const Chunk& chunk);
-    void logMalformedNal(const Chunk& chunk, const uint8_t* sample, const PrefixedNal& unit,
-                         unsigned number) const;
-    media_status_t convertPcm(const Chunk& chunk);
-    media_status_t convertPcm8(const Chunk& chunk);
     void publishMetaData(MediaBufferHelper* buffer, int64_t timeUs, bool isSync);
-    media_status_t returnBuffer(MediaBufferHelper** out);
+    media_status_t returnBuffer(MediaBufferHelper** out, MediaBufferHelper* buffer, int64_t timeUs);
     media_status_t shortRead(const Chunk& chunk, int line);
     media_status_t endOfStream(const std::string& prefix, int line);
     media_status_t unknownError(const std::string& prefix, int line);
@@ -95,6 +87,17 @@ class RuvoAVISource : public MediaTrackHelper {
     std::string prefix(const Chunk& chunk) const;
     int64_t fileSize() const;
 
+    // source/LoadChunk.cpp
+    media_status_t loadChunk(Chunk* chunk);
+    bool loadPlain(const Chunk& chunk, size_t position);
+    bool loadVc1(Chunk* chunk, size_t* insertedBytes);
+    bool loadLengthPrefixed(const Chunk& chunk);
+    size_t convertLengthPrefixed(const Chunk& chunk, const uint8_t* sample);
+    void logNal(int priority, const Chunk& chunk, const uint8_t* sample, const PrefixedNal& unit,
+                unsigned number, const char* verdict) const;
+    media_status_t convertPcm(const Chunk& chunk);
+    media_status_t convertPcm8(const Chunk& chunk);
+
     // source/MpegAudioRead.cpp
     media_status_t readMpegAudioFrame(const Seek& seek, MediaBufferHelper** out);
     media_status_t loadMpegAudioChunk(Chunk* chunk);
@@ -102,11 +105,13 @@ class RuvoAVISource : public MediaTrackHelper {
     size_t moveToFront(size_t offset, size_t length);
     media_status_t cutMpegAudioFrame(const Chunk& chunk, int64_t chunkTimeUs,
                                      MediaBufferHelper** out);
+    void logCut(const Chunk& chunk, const MpegAudioFound& found, size_t length) const;
     media_status_t acquireFrameBuffer(const Chunk& chunk, size_t size, MediaBufferHelper** out);
     void takeFromRest(size_t count);
     bool completeMpegAudioFrame(const Chunk& loaded, size_t frameSize, size_t have,
                                 MediaBufferHelper* frame);
-    status_t readNextChunk(uint8_t* dst, size_t wanted, size_t* got);
+    void logWholeChunk(const Chunk& loaded) const;
+    status_t readNextChunk(uint8_t* dst, size_t wanted, ssize_t* got);
 
     // source/Seeking.cpp
     using SeekMode = ReadOptions::SeekMode;
@@ -120,7 +125,7 @@ class RuvoAVISource : public MediaTrackHelper {
     int32_t findPreviousSync(int32_t from);
     bool landsOn(int32_t i, const char* label);
     bool fixSyncSample(size_t i);
-    bool isSyncFrame(const uint8_t* data, size_t size) const;
+    static bool isSyncFrame(FrameType type);
     status_t seekBlocks(int64_t timeUs, int32_t* index);
     status_t seekAudio(int64_t timeUs, int32_t* index);
     size_t seekBytes(int64_t timeUs) const;
@@ -131,10 +136,22 @@ class RuvoAVISource : public MediaTrackHelper {
 
     // source/FrameTime.cpp
     FrameType getFrameType(const uint8_t* data, size_t size) const;
+    bool probeFrame(size_t i, FrameType* type) const;
     int64_t followingBFrames() const;
     int64_t sampleTimeUs(const Chunk& chunk) const;
     int64_t calculateFrameDTS(FrameType type, uint32_t bytesBefore) const;
     int64_t audioTimeUs(int64_t index, uint32_t bytesBefore) const;
+
+    // source/DataDump.cpp
+    static constexpr int64_t kNoTime = -1;
+    bool isEnableLogOutput() const;
+    void restartDumps();
+    void beginRead();
+    void dumpData(const uint8_t* data, size_t size, int64_t timeUs, uint32_t index);
+    std::string readInformation(int64_t timeUs, size_t size);
+    int32_t trackBitRate() const;
+    void logChunk(const Chunk& chunk, int64_t timeUs, const Seek& seek) const;
+    void logFrame(const std::string& prefix) const;
 
     std::mutex mLock;
     AMediaFormat* mFormat;          // not owned; touched only with *mFormatLock held
@@ -165,6 +182,11 @@ class RuvoAVISource : public MediaTrackHelper {
     MediaBufferHelper* mBuffer = nullptr;
     size_t mBufferCapacity = 0;  // bytes of mBuffer that may be written
     MpegAudioCutter mCutter;
+
+    uint32_t mReadCount = 0;      // dumps since construction or the last seek
+    int64_t mReadStartUs = -1;    // wall clock when the loading of the last chunk began
+    int64_t mTotalReadBytes = 0;  // dumped since then, with a measurable read time
+    int64_t mTotalReadTimeUs = 0;
 };
 
 }  // namespace android

@@ -15,8 +15,6 @@ namespace android {
 
 namespace {
 
-constexpr size_t kFrameProbeBytes = 256;
-
 // A key flag confirmed by the frame's own data; negative as a signed byte, 129 as an unsigned one.
 constexpr int8_t kConfirmedSync = -127;
 
@@ -36,6 +34,7 @@ media_status_t RuvoAVISource::seek(int64_t requestedUs, SeekMode mode, Seek* out
     out->requested = true;
     out->timeUs = std::max<int64_t>(requestedUs, 0);
     mChunkConsumed = 0;
+    restartDumps();
     releaseBuffer();
     if (mIsAudio) {
         const int64_t landingUs =
@@ -137,19 +136,15 @@ bool RuvoAVISource::landsOn(int32_t i, const char* label) {
 
 // Corrects the key flag of a sample by its data; the table keeps what was found.
 bool RuvoAVISource::fixSyncSample(size_t i) {
-    uint8_t bytes[kFrameProbeBytes];
-    const uint32_t chunkSize = mTable->chunkSize(i, mInfo.mSampleSize != 0);
-    const size_t size = std::min<size_t>(chunkSize, sizeof(bytes));
-    const bool whole = size >= 1 && mDataSource->readAt(mTable->mSampleOffsets[i], bytes, size) ==
-                                        static_cast<ssize_t>(size);
-    const bool isSync = whole && isSyncFrame(bytes, size);
+    const bool isEmpty = mTable->chunkSize(i, mInfo.mSampleSize != 0) == 0;
+    FrameType type = FrameType::kUnknown;
+    const bool isSync = !isEmpty && probeFrame(i, &type) && isSyncFrame(type);
     if (isSync) AVI_TRACE("fixSyncSample at %d", static_cast<int>(i));
     mTable->mSampleSyncs.editItemAt(i) = isSync ? kConfirmedSync : 0;
     return isSync;
 }
 
-bool RuvoAVISource::isSyncFrame(const uint8_t* data, size_t size) const {
-    const FrameType type = getFrameType(data, size);
+bool RuvoAVISource::isSyncFrame(FrameType type) {
     AVI_TRACE("isSyncFrame type %d", static_cast<int>(type));
     return type == FrameType::kIntra;
 }

@@ -55,6 +55,12 @@ constexpr int64_t saturatingAdd(int64_t a, int64_t b) {
     return saturateToInt64(Wide{a} + b);
 }
 
+constexpr int32_t saturateToInt32(int64_t value) {
+    if (value > std::numeric_limits<int32_t>::max()) return std::numeric_limits<int32_t>::max();
+    if (value < std::numeric_limits<int32_t>::min()) return std::numeric_limits<int32_t>::min();
+    return static_cast<int32_t>(value);
+}
+
 constexpr uint32_t saturateToUint32(uint64_t value) {
     return value > UINT32_MAX ? UINT32_MAX : static_cast<uint32_t>(value);
 }

@@ -7,19 +7,35 @@
 
 namespace android {
 
+namespace {
+
+char* putByte(uint8_t byte, HexCase digits, char* out) {
+    const char* table = digits == HexCase::kUpper ? "0123456789ABCDEF" : "0123456789abcdef";
+    *out++ = table[byte >> 4];
+    *out++ = table[byte & 0xF];
+    return out;
+}
+
+}  // namespace
+
 std::unique_ptr<char[]> hexText(const uint8_t* data, size_t size, HexCase digits) {
-    static constexpr char kLower[] = "0123456789abcdef";
-    static constexpr char kUpper[] = "0123456789ABCDEF";
-    const char* table = digits == HexCase::kUpper ? kUpper : kLower;
     std::unique_ptr<char[]> text(new (std::nothrow) char[size * 3 + 1]);
     if (text == nullptr) return nullptr;
     char* out = text.get();
     for (size_t i = 0; i < size; ++i) {
-        *out++ = table[data[i] >> 4];
-        *out++ = table[data[i] & 0xF];
+        out = putByte(data[i], digits, out);
         *out++ = i % 16 == 15 ? '\n' : ' ';
     }
     *out = '\0';
+    return text;
+}
+
+std::string hexBytes(const uint8_t* data, size_t size) {
+    if (size == 0) return {};
+    std::string text(size * 3 - 1, ' ');
+    for (size_t i = 0; i < size; ++i) {
+        putByte(data[i], HexCase::kUpper, &text[3 * i]);
+    }
     return text;
 }
 

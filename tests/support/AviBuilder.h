@@ -55,6 +55,8 @@ struct Stream {
 // A video stream of `rate` / `scale` frames a second.
 Stream videoStream(ChunkId fourcc, uint32_t width, uint32_t height, uint32_t rate,
                    uint32_t scale = 1);
+// Pictures of 320 x 240, 25 a second, all alike to the reader and without any configuration.
+Stream mjpegStream();
 // PCM: a chunk holds any number of sample frames.
 Stream pcmStream(uint16_t channels, uint32_t sampleRate, uint16_t bits);
 // Coded audio of constant size: scale and sample size are the block, rate is the byte rate.

@@ -4,45 +4,26 @@
 // put into it.
 
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <array>
 #include <cstdio>
-#include <fstream>
 #include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "tests/support/AviBuilder.h"
+#include "tests/support/TempDir.h"
 
 namespace avitest {
 namespace {
 
-// A file that lasts as long as the object.
-class TempFile {
-  public:
-    explicit TempFile(const Bytes& data)
-        : mPath(::testing::TempDir() + "avi_builder_" + std::to_string(getpid()) + ".avi") {
-        std::ofstream out(mPath, std::ios::binary);
-        out.write(reinterpret_cast<const char*>(data.data()),
-                  static_cast<std::streamsize>(data.size()));
-        EXPECT_TRUE(out.good()) << mPath;
-    }
-    TempFile(const TempFile&) = delete;
-    TempFile& operator=(const TempFile&) = delete;
-    ~TempFile() { std::remove(mPath.c_str()); }
-    const std::string& path() const { return mPath; }
-
-  private:
-    std::string mPath;
-};
-
 // What ffprobe prints for the file, complaints included; it must exit with 0.
 std::string probe(const Bytes& file, const std::string& entries) {
-    const TempFile temp(file);
+    const TempDir folder;
+    const std::string path = folder.write("built.avi", std::string(file.begin(), file.end()));
     const std::string command = std::string(AVI_FFPROBE) + " -v error -of csv=p=0 -show_entries " +
-                                entries + " '" + temp.path() + "' 2>&1";
+                                entries + " '" + path + "' 2>&1";
     FILE* pipe = popen(command.c_str(), "r");
     if (pipe == nullptr) {
         ADD_FAILURE() << "cannot run " << command;

@@ -20,6 +20,10 @@ Stream videoStream(ChunkId fourcc, uint32_t width, uint32_t height, uint32_t rat
     return result;
 }
 
+Stream mjpegStream() {
+    return videoStream("MJPG", 320, 240, 25);
+}
+
 Stream audioStream(uint16_t formatTag, uint16_t channels, uint32_t sampleRate,
                    uint32_t avgBytesPerSec, uint16_t blockAlign, uint16_t bits) {
     Stream result;

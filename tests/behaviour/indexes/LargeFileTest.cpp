@@ -3,11 +3,9 @@
 // Files beyond 4 GiB: OpenDML indexes reach everywhere, what is found by its chunks alone only as
 // far as 32 bits do.
 
-#include <cstdlib>
-#include <filesystem>
-
 #include "service/FileSource.h"
 #include "tests/behaviour/indexes/IndexesFixture.h"
+#include "tests/support/TempDir.h"
 
 namespace avitest {
 namespace {
@@ -112,19 +110,15 @@ TEST_F(LargeFiles, BaseMayBeFarFromTheChunks) {
 }
 
 TEST_F(LargeFiles, SparseFileOnDiskIsReadLikeAnyOther) {
-    std::string folder = ::testing::TempDir() + "avi_large_XXXXXX";
-    ASSERT_NE(nullptr, mkdtemp(folder.data()));
+    const TempDir folder;
     FarSegment file(kFourGiB + 0x12345678);
     file.write();
-    const std::string path = folder + "/large.avi";
+    const std::string path = folder.file("large.avi");
     file.source().writeTo(path);
-    {
-        android::service::FileSource source(path);
-        openSource(source);
-        EXPECT_EQ(file.frames(), sampleBytes(0));
-        openFile(unindexedFile().build());  // lets go of the source
-    }
-    std::filesystem::remove_all(folder);
+    android::service::FileSource source(path);
+    openSource(source);
+    EXPECT_EQ(file.frames(), sampleBytes(0));
+    openFile(unindexedFile().build());  // lets go of the source
 }
 
 TEST_F(LargeFiles, LowWordOfTheBaseWrapsWithoutCarryAbove4GiB) {

@@ -21,6 +21,24 @@ class MoviScanEnd : public IndexesFixture {
     void openCut(const Bytes& file, uint64_t size) {
         openFile(Bytes(file.begin(), file.begin() + static_cast<ptrdiff_t>(size)));
     }
+
+    // Opens the file, of which only `whole` chunks are samples and what is behind them is not.
+    void expectIncompleteBehind(size_t whole, Bytes file) {
+        openFile(std::move(file));
+        EXPECT_EQ(whole, sampleBytes(0).size());
+        EXPECT_EQ(1u, mLog.count("skip last incomplete chunk/list at "));
+    }
+
+    // Opens the file through a source that fails where the header of a chunk lies, and counts the
+    // samples that are found.
+    void expectSamples(size_t count, AviFile& avi, size_t unreadable, const Fault& fault) {
+        mLog.clear();
+        FaultySource& source = openCounted(avi.build());
+        const auto header = static_cast<off64_t>(avi.chunks(0)[unreadable].place.headerOffset);
+        source.inject(fault.onOffsets(header, header + 12));
+        EXPECT_EQ(1u, countTracks());
+        EXPECT_EQ(1u, mLog.count(sampleCountLine(count)));
+    }
 };
 
 std::string incomplete(uint64_t from, uint64_t to) {
@@ -52,10 +70,9 @@ TEST_F(MoviScanEnd, ChunkThatJustFitsIsTaken) {
 TEST_F(MoviScanEnd, MissingPadByteMakesTheLastChunkIncomplete) {
     AviFile avi = unindexedFile(2);
     avi.addChunk(0, patternBytes(31, 4));
-    const Bytes file = avi.build();
-    openCut(file, file.size() - 1);
-    EXPECT_EQ(2u, sampleBytes(0).size());
-    EXPECT_EQ(1u, mLog.count("skip last incomplete chunk/list at "));
+    Bytes file = avi.build();
+    file.pop_back();
+    expectIncompleteBehind(2, file);
 }
 
 TEST_F(MoviScanEnd, CutHeaderIsUnreadable) {
@@ -94,14 +111,9 @@ TEST_F(MoviScanEnd, EightLastBytesWithASizeOf0EndTheScanQuietly) {
 
 TEST_F(MoviScanEnd, ReadErrorKeepsWhatWasFound) {
     AviFile avi = unindexedFile(4);
-    FaultySource& source = mSources.emplace_back(mMemory.emplace_back(avi.build()));
-    const auto header = static_cast<off64_t>(avi.chunks(0)[2].place.headerOffset);
-    source.inject(Fault::error(-EIO).onOffsets(header, header + 12));
-    openSource(source);
-    EXPECT_EQ(1u, countTracks());
-    EXPECT_EQ(1u, mLog.count(sampleCountLine(2)));
-    EXPECT_EQ(1u, mLog.count(format("Failed to read header at %lld, stop",
-                                    static_cast<long long>(header))));
+    expectSamples(2, avi, 2, Fault::error(-EIO));
+    const uint64_t header = avi.chunks(0)[2].place.headerOffset;
+    EXPECT_EQ(1u, mLog.count(format("Failed to read header at %llu, stop", number(header))));
 }
 
 TEST_F(MoviScanEnd, ChunkLongerThanTheListIsLeftOut) {
@@ -109,9 +121,7 @@ TEST_F(MoviScanEnd, ChunkLongerThanTheListIsLeftOut) {
     MoviChunk& last = avi.addChunk(0, patternBytes(30, 3));
     last.chunk.declare(34);
     avi.segment().afterMovi = {Chunk("JUNK", Bytes(100))};
-    openFile(avi.build());
-    EXPECT_EQ(2u, sampleBytes(0).size());
-    EXPECT_EQ(1u, mLog.count("skip last incomplete chunk/list at "));
+    expectIncompleteBehind(2, avi.build());
 }
 
 TEST_F(MoviScanEnd, LargestSizesAreIncomplete) {
@@ -121,9 +131,7 @@ TEST_F(MoviScanEnd, LargestSizesAreIncomplete) {
         AviFile avi = unindexedFile(2);
         avi.addChunk(0, patternBytes(30, 3)).chunk.declare(size);
         avi.addChunk(0, patternBytes(30, 4));
-        openFile(avi.build());
-        EXPECT_EQ(2u, sampleBytes(0).size());
-        EXPECT_EQ(1u, mLog.count("skip last incomplete chunk/list at "));
+        expectIncompleteBehind(2, avi.build());
     }
 }
 
@@ -132,10 +140,9 @@ TEST_F(MoviScanEnd, CutRecordListIsLeftOutWhole) {
     avi.beginGroup();
     avi.addChunk(0, patternBytes(30, 3));
     avi.addChunk(0, patternBytes(32, 4));
-    const Bytes file = avi.build();
-    openCut(file, file.size() - 1);
-    EXPECT_EQ(2u, sampleBytes(0).size());
-    EXPECT_EQ(1u, mLog.count("skip last incomplete chunk/list at "));
+    Bytes file = avi.build();
+    file.pop_back();
+    expectIncompleteBehind(2, file);
 }
 
 TEST_F(MoviScanEnd, OddListSizeIsMadeEven) {
@@ -186,7 +193,19 @@ TEST_F(MoviScanEnd, EveryCutOfAFileKeepsTheWholeChunks) {
     }
 }
 
-class RecordLists : public MoviScanEnd {};
+class RecordLists : public MoviScanEnd {
+  protected:
+    // A chunk, a list of two chunks and a chunk.
+    static AviFile recordFile() {
+        AviFile avi = unindexedFile(1);
+        avi.beginGroup();
+        avi.addChunk(0, patternBytes(20, 1));
+        avi.addChunk(0, patternBytes(22, 2));
+        avi.endGroup();
+        avi.addChunk(0, patternBytes(24, 3));
+        return avi;
+    }
+};
 
 TEST_F(RecordLists, ChunksOfAllStreamsAreFound) {
     AviFile avi = twoStreamFile();
@@ -228,9 +247,7 @@ TEST_F(RecordLists, ChunkThatOverrunsItsListEndsTheList) {
 TEST_F(RecordLists, ListThatOverrunsMoviEndsTheScan) {
     AviFile avi = unindexedFile(1);
     avi.addLooseChunk(Chunk::list("rec ", {Chunk("00dc", patternBytes(20, 1))}).declare(36));
-    openFile(avi.build());
-    EXPECT_EQ(1u, sampleBytes(0).size());
-    EXPECT_EQ(1u, mLog.count("skip last incomplete chunk/list at "));
+    expectIncompleteBehind(1, avi.build());
 }
 
 TEST_F(RecordLists, ListsWithinAreUnknownChunks) {
@@ -242,22 +259,10 @@ TEST_F(RecordLists, ListsWithinAreUnknownChunks) {
 }
 
 TEST_F(RecordLists, UnreadableHeaderEndsTheListOnly) {
-    AviFile avi = unindexedFile(1);
-    avi.beginGroup();
-    avi.addChunk(0, patternBytes(20, 1));
-    avi.addChunk(0, patternBytes(22, 2));
-    avi.endGroup();
-    avi.addChunk(0, patternBytes(24, 3));
-    FaultySource& source = mSources.emplace_back(mMemory.emplace_back(avi.build()));
-    const auto header = static_cast<off64_t>(avi.chunks(0)[2].place.headerOffset);
+    AviFile avi = recordFile();
     for (const size_t bytes : {0, 1, 7, 9, 11}) {
         SCOPED_TRACE(bytes);
-        mLog.clear();
-        source.clearFaults();
-        source.inject(Fault::shortRead(bytes).onOffsets(header, header + 12));
-        openSource(source);
-        countTracks();
-        EXPECT_EQ(1u, mLog.count(sampleCountLine(3)));
+        expectSamples(3, avi, 2, Fault::shortRead(bytes));
         EXPECT_EQ(0u, mLog.count("Failed to read header"));
     }
 }
@@ -276,18 +281,8 @@ TEST_F(RecordLists, EmptyChunkInTheLast8BytesOfTheFileIsTakenAndLiesBehindIt) {
 }
 
 TEST_F(RecordLists, HeaderOfWhichOnly8BytesComeIsTaken) {
-    AviFile avi = unindexedFile(1);
-    avi.beginGroup();
-    avi.addChunk(0, patternBytes(20, 1));
-    avi.addChunk(0, patternBytes(22, 2));
-    avi.endGroup();
-    avi.addChunk(0, patternBytes(24, 3));
-    FaultySource& source = mSources.emplace_back(mMemory.emplace_back(avi.build()));
-    const auto header = static_cast<off64_t>(avi.chunks(0)[2].place.headerOffset);
-    source.inject(Fault::shortRead(8).onOffsets(header, header + 12));
-    openSource(source);
-    countTracks();
-    EXPECT_EQ(1u, mLog.count(sampleCountLine(4)));
+    AviFile avi = recordFile();
+    expectSamples(4, avi, 2, Fault::shortRead(8));
 }
 
 }  // namespace

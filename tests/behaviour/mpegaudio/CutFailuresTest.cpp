@@ -138,49 +138,48 @@ TEST_F(CutFailures, EndOfTheStreamIsTold) {
     EXPECT_THAT(log, Logged(ANDROID_LOG_ERROR, "[audio/mpeg][0] end of stream @L"));
 }
 
-TEST_F(CutFailures, NoBufferForAChunkIsUnknownAndLosesTheChunk) {
-    openStream(mp3Bytes(), frames(3));
+// One acquisition of a buffer that fails.
+struct NoBuffer {
+    const char* name;
+    std::vector<Bytes> chunks;
+    size_t acquisition;  // the number of the one that fails
+    size_t framesBefore;
+    std::string error;
+    Bytes next;  // the frame that comes behind what is lost
+};
+
+class NoBufferFor : public CutFailures, public ::testing::WithParamInterface<NoBuffer> {};
+
+TEST_P(NoBufferFor, ItIsUnknownAndLosesTheRestOfTheChunk) {
+    const NoBuffer& row = GetParam();
+    openStream(mp3Bytes(), row.chunks);
     for (const Answer answer : {Answer::kFailure, Answer::kFailureWithBuffer}) {
         RecordingGroup group;
-        group.answer(0, answer);
+        group.answer(row.acquisition, answer);
         GroupReader reader(track(0), &group);
+        for (size_t i = 0; i < row.framesBefore; ++i)
+            EXPECT_EQ(reader.status(), AMEDIA_OK);
         const LogCapture log;
         EXPECT_EQ(reader.status(), AMEDIA_ERROR_UNKNOWN);
         EXPECT_EQ(group.heldCount(), 0u);
-        EXPECT_THAT(log, Logged(ANDROID_LOG_ERROR, "read(): error -2710 @line"));
-        EXPECT_EQ(sampleOf(reader.read().buffer).bytes, frame(1));
+        EXPECT_THAT(log, Logged(ANDROID_LOG_ERROR, row.error));
+        EXPECT_EQ(sampleOf(reader.read().buffer).bytes, row.next);
     }
 }
 
-TEST_F(CutFailures, NoBufferForAFrameIsUnknownAndLosesTheRestOfTheChunk) {
-    openStream(mp3Bytes(), {joined(frames(3)), frame(3), frame(4)});
-    for (const Answer answer : {Answer::kFailure, Answer::kFailureWithBuffer}) {
-        RecordingGroup group;
-        group.answer(1, answer);
-        GroupReader reader(track(0), &group);
-        const LogCapture log;
-        EXPECT_EQ(reader.status(), AMEDIA_ERROR_UNKNOWN);
-        EXPECT_EQ(group.heldCount(), 0u);
-        EXPECT_THAT(log, Logged(ANDROID_LOG_ERROR, "[audio/mpeg][0][0/3] Unknown error(-2710) @L"));
-        EXPECT_EQ(sampleOf(reader.read().buffer).bytes, frame(3));
-    }
-}
-
-TEST_F(CutFailures, NoBufferForASplitFrameIsUnknown) {
-    openStream(mp3Bytes(), split(joined(frames(4)), {2 * kFrameSize, 300}));
-    for (const Answer answer : {Answer::kFailure, Answer::kFailureWithBuffer}) {
-        RecordingGroup group;
-        group.answer(4, answer);  // a chunk, two frames, a chunk
-        GroupReader reader(track(0), &group);
-        EXPECT_EQ(reader.status(), AMEDIA_OK);
-        EXPECT_EQ(reader.status(), AMEDIA_OK);
-        const LogCapture log;
-        EXPECT_EQ(reader.status(), AMEDIA_ERROR_UNKNOWN);
-        EXPECT_EQ(group.heldCount(), 0u);
-        EXPECT_THAT(log, Logged(ANDROID_LOG_ERROR, "[audio/mpeg][0][1/3] Unknown error(-2710) @L"));
-        EXPECT_EQ(sampleOf(reader.read().buffer).bytes, frame(3));
-    }
-}
+INSTANTIATE_TEST_SUITE_P(
+    Table, NoBufferFor,
+    ::testing::Values(NoBuffer{"AChunk", frames(3), 0, 0, "read(): error -2710 @line", frame(1)},
+                      NoBuffer{"AFrame",
+                               {joined(frames(3)), frame(3), frame(4)},
+                               1,
+                               0,
+                               "[audio/mpeg][0][0/3] Unknown error(-2710) @L",
+                               frame(3)},
+                      NoBuffer{"ASplitFrame", split(joined(frames(4)), {2 * kFrameSize, 300}),
+                               4,  // a chunk, two frames, a chunk
+                               2, "[audio/mpeg][0][1/3] Unknown error(-2710) @L", frame(3)}),
+    [](const auto& param) { return std::string(param.param.name); });
 
 TEST_F(CutFailures, NoBufferForAFrameOfASourceWithoutSizeEndsTheStream) {
     AviFile avi = fileOf(mp3Bytes(), frames(3));

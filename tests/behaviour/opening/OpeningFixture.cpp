@@ -4,12 +4,6 @@
 
 namespace avitest {
 
-using android::service::FaultySource;
-
-Stream mjpegStream() {
-    return videoStream("MJPG", 320, 240, 25);
-}
-
 AviFile videoFile(size_t frames) {
     AviFile avi;
     const size_t video = avi.addStream(mjpegStream());
@@ -36,18 +30,6 @@ std::vector<Bytes> chunkBytes(const AviFile& avi, size_t stream) {
     for (const MoviChunk& chunk : avi.chunks(stream))
         result.push_back(chunk.data());
     return result;
-}
-
-FaultySource& OpeningFixture::openCounted(Bytes file) {
-    FaultySource& source = mSources.emplace_back(mMemory.emplace_back(std::move(file)));
-    openSource(source);
-    return source;
-}
-
-void OpeningFixture::openVerbosely(Bytes file) {
-    setProperty(kExtractLogProperty, "1");
-    setProperty(kVerboseLogProperty, "1");
-    openFile(std::move(file));
 }
 
 std::vector<Bytes> OpeningFixture::sampleBytes(size_t track) {

@@ -77,15 +77,23 @@ TEST_F(AudioTimes, MidiIsTimedAsAudio) {
     EXPECT_EQ(timesOf(stream, {8000, 40}), (std::vector<int64_t>{0, 1000000}));
 }
 
-// 40 chunks of 64 MiB by their index, none of which the file holds, then small ones. The bytes
-// before a chunk count as a signed number of 32 bits and a time is never negative.
-TEST_F(AudioTimes, BytesBeyond2GiBDoNotMakeTimesNegative) {
-    constexpr size_t kLarge = 40;
+// Chunks of 64 MiB by their index, none of which the file holds, then a small one.
+struct LargeChunks {
+    const char* name;
+    size_t count;
+    int64_t timeUs;  // of the small chunk
+};
+
+class TimesBehindLargeChunks : public AudioTimes,
+                               public ::testing::WithParamInterface<LargeChunks> {};
+
+TEST_P(TimesBehindLargeChunks, CountBytesIn32Bits) {
+    const size_t count = GetParam().count;
     AviFile avi = fileOf(alawStream(), {patternBytes(10)});
-    avi.segment().index.edit = [](std::vector<Idx1Entry>& index) {
+    avi.segment().index.edit = [count](std::vector<Idx1Entry>& index) {
         Idx1Entry large = index[0];
         large.length = 64 * 1024 * 1024;
-        index.insert(index.begin(), kLarge, large);
+        index.insert(index.begin(), count, large);
     };
     openFile(avi.build());
 
@@ -94,38 +102,20 @@ TEST_F(AudioTimes, BytesBeyond2GiBDoNotMakeTimesNegative) {
     android::CMediaTrack* plain = source->plain();
     ASSERT_EQ(plain->start(plain->data, group.plain()), AMEDIA_OK);
     android::CMediaBuffer* buffer = nullptr;
-    for (size_t i = 0; i < kLarge; ++i)
+    for (size_t i = 0; i < count; ++i)
         EXPECT_EQ(plain->read(plain->data, &buffer, 0, 0), AMEDIA_ERROR_END_OF_STREAM);
     ASSERT_EQ(plain->read(plain->data, &buffer, 0, 0), AMEDIA_OK);
 
-    EXPECT_EQ(sampleOf(android::service::BufferHandle(buffer)).timeUs, 0);
+    EXPECT_EQ(sampleOf(android::service::BufferHandle(buffer)).timeUs, GetParam().timeUs);
     EXPECT_EQ(source->stop(), AMEDIA_OK);
 }
 
-// 65 chunks of 64 MiB: the running total has gone once around.
-TEST_F(AudioTimes, RunningTotalsWrapAt4GiB) {
-    constexpr size_t kLarge = 65;
-    AviFile avi = fileOf(alawStream(), {patternBytes(10)});
-    avi.segment().index.edit = [](std::vector<Idx1Entry>& index) {
-        Idx1Entry large = index[0];
-        large.length = 64 * 1024 * 1024;
-        index.insert(index.begin(), kLarge, large);
-    };
-    openFile(avi.build());
-
-    RecordingGroup group(64);
-    const std::unique_ptr<Track> source = track(0);
-    android::CMediaTrack* plain = source->plain();
-    ASSERT_EQ(plain->start(plain->data, group.plain()), AMEDIA_OK);
-    android::CMediaBuffer* buffer = nullptr;
-    for (size_t i = 0; i < kLarge; ++i)
-        EXPECT_EQ(plain->read(plain->data, &buffer, 0, 0), AMEDIA_ERROR_END_OF_STREAM);
-    ASSERT_EQ(plain->read(plain->data, &buffer, 0, 0), AMEDIA_OK);
-
-    // 64 MiB of 8000 bytes a second are before it.
-    EXPECT_EQ(sampleOf(android::service::BufferHandle(buffer)).timeUs, 8388608000);
-    EXPECT_EQ(source->stop(), AMEDIA_OK);
-}
+// The bytes before a chunk count as a signed number of 32 bits. At 65 chunks the running total has
+// gone once around: 64 MiB of 8000 bytes a second are before the small one.
+INSTANTIATE_TEST_SUITE_P(Table, TimesBehindLargeChunks,
+                         ::testing::Values(LargeChunks{"Above2GiB", 40, 0},
+                                           LargeChunks{"Above4GiB", 65, 8388608000}),
+                         [](const auto& param) { return std::string(param.param.name); });
 
 }  // namespace
 }  // namespace avitest

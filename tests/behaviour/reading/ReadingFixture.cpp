@@ -6,10 +6,6 @@
 
 namespace avitest {
 
-Stream mjpegStream() {
-    return videoStream("MJPG", 320, 240, 25);
-}
-
 Stream alawStream() {
     constexpr uint16_t kALaw = 6;
     return audioStream(kALaw, 1, 8000, 8000, 1, 8);

@@ -27,8 +27,6 @@ using android::service::MemorySource;
 using android::service::ReadResult;
 using android::service::Track;
 
-// Video of 25 frames a second whose frames are all alike to the reader.
-Stream mjpegStream();
 // Audio of one byte a sample and no configuration: scale 1, rate 8000, sample size 1.
 Stream alawStream();
 // Bitmap subtitles.

@@ -165,8 +165,6 @@ TEST_F(SourceStart, AdpcmTakesItsBlockAsSampleSize) {
     }
 }
 
-// The table of a stream without sample size holds sizes, which such a source takes for running
-// totals: what does not grow comes out empty rather than enormous.
 // The block size stands in for the missing sample size, so the table of sizes counts as totals: a
 // total that does not grow is an empty chunk, and one that shrinks a chunk beyond the file.
 TEST_F(SourceStart, AdpcmWithoutSampleSizeEndsWhereItsTableShrinks) {

@@ -5,56 +5,13 @@
 #include <media/NdkMediaFormat.h>
 
 #include "tests/behaviour/streams/StreamsFixture.h"
+#include "tests/support/CodecTable.h"
 
 namespace avitest {
 
 using android::service::Fault;
 using ::testing::Contains;
 using ::testing::Not;
-
-namespace {
-
-struct TagRow {
-    uint16_t tag;
-    const char* mime;
-};
-
-void PrintTo(const TagRow& row, std::ostream* out) {
-    *out << format("0x%04x", row.tag);
-}
-
-constexpr TagRow kTags[] = {
-    {0x0001, "audio/raw"},
-    {0x0002, "audio/x-adpcm-ms"},
-    {0x0006, "audio/g711-alaw"},
-    {0x0102, "audio/g711-alaw"},
-    {0x0007, "audio/g711-mlaw"},
-    {0x0101, "audio/g711-mlaw"},
-    {0x0011, "audio/x-adpcm-dvi-ima"},
-    {0x0050, "audio/mpeg"},
-    {0x0055, "audio/mpeg"},
-    {0x0057, "audio/3gpp"},
-    {0x0058, "audio/amr-wb"},
-    {0x00FF, "audio/mp4a-latm"},
-    {0x4143, "audio/mp4a-latm"},
-    {0x706D, "audio/mp4a-latm"},
-    {0x0160, "audio/x-ms-wma"},
-    {0x0161, "audio/x-ms-wma"},
-    {0x0162, "audio/x-ms-wmapro"},
-    {0x2000, "audio/ac3"},
-    {0x2001, "audio/vnd.dts"},
-    {0x566F, "audio/vorbis"},
-    {0x674F, "audio/vorbis"},
-    {0x6750, "audio/vorbis"},
-    {0x6751, "audio/vorbis"},
-    {0x676F, "audio/vorbis"},
-    {0x6770, "audio/vorbis"},
-    {0x6771, "audio/vorbis"},
-    {0x7A21, "audio/3gpp"},
-    {0x7A22, "audio/3gpp"},
-};
-
-}  // namespace
 
 class AudioCodec : public StreamsFixture {
   protected:
@@ -74,7 +31,7 @@ class AudioCodec : public StreamsFixture {
     }
 };
 
-class KnownAudioCodec : public AudioCodec, public ::testing::WithParamInterface<TagRow> {};
+class KnownAudioCodec : public AudioCodec, public ::testing::WithParamInterface<AudioCodecRow> {};
 
 TEST_P(KnownAudioCodec, IsToldByItsTag) {
     const bool vorbis = std::string(GetParam().mime) == "audio/vorbis";
@@ -87,7 +44,7 @@ TEST_P(KnownAudioCodec, IsToldByItsTag) {
         Contains(verbose(format("   formatTag = 0x%x(%s)", GetParam().tag, GetParam().mime))));
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, KnownAudioCodec, ::testing::ValuesIn(kTags),
+INSTANTIATE_TEST_SUITE_P(Table, KnownAudioCodec, ::testing::ValuesIn(kAudioCodecs),
                          [](const auto& param) { return format("Tag%04X", param.param.tag); });
 
 TEST_F(AudioCodec, OutsideTheTableIsUnknown) {

@@ -32,10 +32,6 @@ LogLine dropped() {
     return error("parseSTRL(): Something wrong, skip the track!");
 }
 
-Stream mjpegStream() {
-    return videoStream("MJPG", 320, 240, 25);
-}
-
 Stream pcmStream() {
     return pcmStream(2, 8000, 16);
 }
@@ -122,10 +118,9 @@ size_t StreamsFixture::openLogged(AviFile& avi) {
 }
 
 size_t StreamsFixture::openFaulty(Bytes file, const std::vector<Fault>& faults) {
-    auto& source = mSources.emplace_back(mMemory.emplace_back(std::move(file)));
+    auto& source = openCounted(std::move(file));
     for (const Fault& fault : faults)
         source.inject(fault);
-    openSource(source);
     return HasFatalFailure() ? 0 : countTracks();
 }
 

@@ -1,25 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the tests of stream lists share: a log that is recorded from before the file is opened until
-// its extractor is gone, small files of given streams, and sources that fail in chosen places.
+// What the tests of stream lists share: small files of given streams, and sources that fail in
+// chosen places.
 // Tracks get fewer than ten samples: codec configuration that is found in video samples starts at
 // the tenth and is none of these tests' matter. One thread.
 
 #pragma once
 
-#include <deque>
 #include <string>
 #include <vector>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "service/FaultySource.h"
-#include "service/MemorySource.h"
 #include "tests/support/AviBuilder.h"
-#include "tests/support/ExtractorFixture.h"
-#include "tests/support/LogCapture.h"
-#include "tests/support/LogLines.h"
+#include "tests/support/LoggedFixture.h"
 
 namespace avitest {
 
@@ -39,8 +31,6 @@ MATCHER_P2(Failure, function, status, std::string(function) + "(): error -" + st
 // The line that reports a dropped stream, always at error priority.
 LogLine dropped();
 
-// Pictures of 320 x 240, 25 a second.
-Stream mjpegStream();
 // 16-bit stereo at 8000 Hz.
 Stream pcmStream();
 // A video stream with bytes behind its bitmap header.
@@ -67,18 +57,8 @@ Bytes streamBytes(const AviFile& avi, size_t stream);
 // Changes a stream list of the file.
 void editStream(AviFile& avi, size_t stream, std::function<void(Chunk& strl)> edit);
 
-// Exists as a base in front of ExtractorFixture, so that both outlive the extractor.
-class StreamsState {
+class StreamsFixture : public LoggedFixture {
   protected:
-    LogCapture mLog;
-    std::deque<android::service::MemorySource> mMemory;
-    std::deque<android::service::FaultySource> mSources;
-};
-
-class StreamsFixture : protected StreamsState, public ExtractorFixture {
-  protected:
-    std::vector<LogLine> log() const { return mLog.lines(); }
-
     // Opens a file and parses it; answers the number of tracks.
     size_t open(Bytes file);
     size_t open(AviFile& avi) { return open(avi.build()); }

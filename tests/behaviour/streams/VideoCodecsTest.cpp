@@ -7,6 +7,7 @@
 #include <media/NdkMediaFormatRuvo.h>
 
 #include "tests/behaviour/streams/StreamsFixture.h"
+#include "tests/support/CodecTable.h"
 
 namespace avitest {
 
@@ -14,33 +15,6 @@ using ::testing::Contains;
 using ::testing::Not;
 
 namespace {
-
-struct CodecRow {
-    const char* code;  // in lower case
-    const char* mime;
-};
-
-void PrintTo(const CodecRow& row, std::ostream* out) {
-    *out << row.code;
-}
-
-constexpr CodecRow kCodecs[] = {
-    {"avc1", "video/avc"},           {"h264", "video/avc"},
-    {"vssh", "video/avc"},           {"hvc1", "video/hevc"},
-    {"hev1", "video/hevc"},          {"hevc", "video/hevc"},
-    {"mp4v", "video/mp4v-es"},       {"mp4s", "video/mp4v-es"},
-    {"m4s2", "video/mp4v-es"},       {"fmp4", "video/mp4v-es"},
-    {"3iv2", "video/mp4v-es"},       {"ap41", "video/mp4v-es"},
-    {"col1", "video/mp4v-es"},       {"navi", "video/mp4v-es"},
-    {"fvfw", "video/mp4v-es"},       {"mpg1", "video/mpeg2"},
-    {"mpg2", "video/mpeg2"},         {"mpeg", "video/mpeg2"},
-    {"mpgv", "video/mpeg2"},         {"h263", "video/3gpp"},
-    {"s263", "video/3gpp"},          {"wmv3", "video/x-ms-wmv"},
-    {"wvc1", "video/wvc1"},          {"flv1", "video/x-flv"},
-    {"vp6f", "video/x-vnd.on2.vp6"}, {"vp80", "video/x-vnd.on2.vp8"},
-    {"mjpg", "video/x-motion-jpeg"}, {"mp4a", "audio/mp4a-latm"},
-    {"samr", "audio/3gpp"},          {"sawb", "audio/amr-wb"},
-};
 
 std::string upper(std::string text) {
     for (char& c : text)
@@ -71,7 +45,7 @@ class VideoCodec : public StreamsFixture {
     }
 };
 
-class KnownVideoCodec : public VideoCodec, public ::testing::WithParamInterface<CodecRow> {};
+class KnownVideoCodec : public VideoCodec, public ::testing::WithParamInterface<VideoCodecRow> {};
 
 TEST_P(KnownVideoCodec, IsFoundInWhateverCase) {
     const std::string code = GetParam().code;
@@ -85,7 +59,7 @@ TEST_P(KnownVideoCodec, IsFoundInWhateverCase) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, KnownVideoCodec, ::testing::ValuesIn(kCodecs),
+INSTANTIATE_TEST_SUITE_P(Table, KnownVideoCodec, ::testing::ValuesIn(kVideoCodecs),
                          [](const auto& param) { return std::string(param.param.code); });
 
 TEST_F(VideoCodec, OutsideTheTableIsUnknown) {

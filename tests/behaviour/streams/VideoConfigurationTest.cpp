@@ -88,7 +88,7 @@ TEST_F(VideoConfiguration, AvcRecordIsDescribedOnRequest) {
 TEST_F(VideoConfiguration, AvcRecordIsNotDescribedUnasked) {
     AviFile avi = fileOf({videoWithExtra("H264", avcRecord(4))});
     ASSERT_EQ(1u, open(avi));
-    EXPECT_EQ(0u, countOf("mAVCStyle"));
+    EXPECT_EQ(0u, countOf("mAVCStyle = "));
     EXPECT_EQ(0u, countOf("kKeyAVCC"));
     EXPECT_EQ(0u, countOf("configurationVersion"));
     EXPECT_THAT(log(), Contains(debug("parseSTRF(): mAVCSizeLength = 4")));
@@ -119,7 +119,7 @@ TEST_F(VideoConfiguration, AvcByteStreamIsNoRecord) {
     openVideo("H264", byteStream(0x67, 0x68));
     EXPECT_EQ(std::nullopt, buffer(AMEDIAFORMAT_KEY_CSD_AVC));
     EXPECT_THAT(log(), Contains(verbose("parseSTRF(): mAVCStyle = 1")));
-    EXPECT_EQ(0u, countOf("mAVCSizeLength"));
+    EXPECT_EQ(0u, countOf("mAVCSizeLength = "));
     EXPECT_EQ(0u, countOf("Not avc codec specific data"));
     expectCodecDataKept();
 }
@@ -175,8 +175,8 @@ TEST_F(VideoConfiguration, AvcExtraDataOfTwoBytesIsNoRecord) {
 TEST_F(VideoConfiguration, AvcWithoutExtraDataPublishesNothing) {
     openVideo("H264", {});
     EXPECT_EQ(std::nullopt, buffer(AMEDIAFORMAT_KEY_CSD_AVC));
-    EXPECT_EQ(0u, countOf("mAVCStyle"));
-    EXPECT_EQ(0u, countOf("mAVCSizeLength"));
+    EXPECT_EQ(0u, countOf("mAVCStyle = "));
+    EXPECT_EQ(0u, countOf("mAVCSizeLength = "));
     EXPECT_EQ(0u, countOf("Not avc codec specific data"));
 }
 
@@ -196,7 +196,7 @@ TEST_F(VideoConfiguration, AvcRecordThatCannotBeReadAgainIsSkippedSilently) {
     mLog.clear();
     ASSERT_EQ(1u, openFaulty(file, {Fault::shortRead(16).onCall(reads[1])}));
     EXPECT_EQ(std::nullopt, buffer(AMEDIAFORMAT_KEY_CSD_AVC));
-    EXPECT_EQ(0u, countOf("mAVCSizeLength"));
+    EXPECT_EQ(0u, countOf("mAVCSizeLength = "));
     EXPECT_EQ(0u, countOf("Not avc codec specific data"));
     EXPECT_EQ(0u, countOf("parseSTRF(): error"));
     expectCodecDataDropped(18);
@@ -242,7 +242,7 @@ TEST_F(VideoConfiguration, HevcWithoutStartCodeIsNotPublished) {
 TEST_F(VideoConfiguration, HevcIsNotTakenForAvc) {
     openVideo("HEVC", avcRecord(4));
     EXPECT_EQ(std::nullopt, buffer(AMEDIAFORMAT_KEY_CSD_AVC));
-    EXPECT_EQ(0u, countOf("mAVCStyle"));
+    EXPECT_EQ(0u, countOf("mAVCStyle = "));
 }
 
 TEST_F(VideoConfiguration, WindowsMediaExtraDataIsPublished) {

@@ -14,7 +14,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/AviBuilder.h"
-#include "tests/unit/service/TempDir.h"
+#include "tests/support/TempDir.h"
 
 namespace avitest {
 
@@ -64,7 +64,7 @@ class ToolFixture : public ::testing::Test {
     static Json parsed(const ToolRun& run);
 
   private:
-    android::service::TempDir mFolder;
+    TempDir mFolder;
 };
 
 }  // namespace avitest

@@ -5,7 +5,6 @@
 #include <media/NdkMediaFormat.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -16,27 +15,11 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/endtoend/media/Process.h"
+#include "tests/support/TempDir.h"
 
 namespace avitest {
 
 namespace {
-
-class Folder {
-  public:
-    Folder() : mPath(::testing::TempDir() + "avi_codecs_XXXXXX") {
-        if (mkdtemp(mPath.data()) == nullptr) throw std::runtime_error("no folder " + mPath);
-    }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    ~Folder() {
-        std::error_code ignored;  // nothing is left to tell it to
-        std::filesystem::remove_all(mPath, ignored);
-    }
-    std::string file(const std::string& name) const { return mPath + "/" + name; }
-
-  private:
-    std::string mPath;
-};
 
 // Bytes from a dump: lines of an offset, sixteen bytes in pairs, and their characters.
 Bytes bytesOfDump(const std::string& dump) {
@@ -88,7 +71,7 @@ Arguments sound(unsigned channels, unsigned rate) {
 }
 
 std::string madeFile(const std::string& name, const Arguments& arguments) {
-    static const Folder folder;
+    static const TempDir folder;
     static std::map<std::string, std::string> made;
     const auto found = made.find(name);
     if (found != made.end()) return found->second;

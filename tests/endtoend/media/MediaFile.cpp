@@ -2,8 +2,6 @@
 
 #include "tests/endtoend/media/MediaFile.h"
 
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -13,27 +11,11 @@
 #include <gtest/gtest.h>
 
 #include "tests/endtoend/media/Process.h"
+#include "tests/support/TempDir.h"
 
 namespace avitest {
 
 namespace {
-
-class TempFolder {
-  public:
-    TempFolder() : mPath(::testing::TempDir() + "avi_media_XXXXXX") {
-        if (mkdtemp(mPath.data()) == nullptr) throw std::runtime_error("no folder " + mPath);
-    }
-    TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
-    ~TempFolder() {
-        std::error_code ignored;  // nothing is left to tell it to
-        std::filesystem::remove_all(mPath, ignored);
-    }
-    std::string file(const std::string& name) const { return mPath + "/" + name; }
-
-  private:
-    std::string mPath;
-};
 
 Bytes contentOf(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
@@ -60,7 +42,7 @@ void PrintTo(const Recipe& recipe, std::ostream* out) {
 }
 
 const MediaFile& mediaFile(const Recipe& recipe) {
-    static const TempFolder folder;
+    static const TempDir folder;
     static std::map<std::string, MediaFile> files;
     const auto found = files.find(recipe.name);
     if (found != files.end()) return found->second;

@@ -10,8 +10,8 @@
 #include <cerrno>
 #include <limits>
 
+#include "tests/support/TempDir.h"
 #include "tests/unit/service/RunThreads.h"
-#include "tests/unit/service/TempDir.h"
 
 namespace android::service {
 namespace {
@@ -45,7 +45,7 @@ class FileSourceTest : public ::testing::Test {
         close(file);
         return path;
     }
-    TempDir mDir;
+    avitest::TempDir mDir;
 };
 
 TEST_F(FileSourceTest, SizeIsThatOfTheFile) {

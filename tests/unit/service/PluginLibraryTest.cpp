@@ -7,7 +7,7 @@
 
 #include <filesystem>
 
-#include "tests/unit/service/TempDir.h"
+#include "tests/support/TempDir.h"
 
 namespace android::service {
 namespace {
@@ -78,7 +78,7 @@ TEST(PluginLibrary, LibraryIsUnloadedWithTheObject) {
 
 TEST(PluginLibrary, LibraryMayBeKept) {
     // A copy, so that the other tests' libraries are not kept.
-    TempDir folder;
+    avitest::TempDir folder;
     const std::string path = folder.path() / "kept_extractor.so";
     std::filesystem::copy_file(pluginPath("version2_extractor.so"), path);
     { PluginLibrary library(path, PluginLibrary::Unload::kNever); }
@@ -105,7 +105,7 @@ TEST(PluginLibrary, MissingFileIsRefused) {
 }
 
 TEST(PluginLibrary, FileThatIsNoLibraryIsRefused) {
-    TempDir folder;
+    avitest::TempDir folder;
     expectRefused(folder.write("text_extractor.so", "no library at all"), Kind::kLoad,
                   "cannot be loaded");
 }

@@ -44,7 +44,7 @@ MpegAudioCut frameCut(size_t size, int bitRate, Kind kind = Kind::kFrame) {
     MpegAudioCut cut;
     cut.kind = kind;
     cut.size = size;
-    cut.bitRate = bitRate;
+    cut.found.bitRate = bitRate;
     return cut;
 }
 
@@ -63,8 +63,8 @@ TEST(MpegAudioCutter, CutsAFrameAnywhere) {
         EXPECT_EQ(cut.kind, Kind::kFrame);
         EXPECT_EQ(cut.start, start);
         EXPECT_EQ(cut.size, kFrameSize);
-        EXPECT_EQ(cut.header, kHeader);
-        EXPECT_EQ(cut.bitRate, 128);
+        EXPECT_EQ(cut.found.header, kHeader);
+        EXPECT_EQ(cut.found.bitRate, 128);
     }
 }
 
@@ -90,7 +90,7 @@ TEST(MpegAudioCutter, HeaderCutByTheEndIsNone) {
         data.resize(24 - missing);
         const MpegAudioCut cut = cutOf(data);
         EXPECT_EQ(cut.kind, Kind::kHeaderless);
-        EXPECT_EQ(cut.header, 0u);
+        EXPECT_EQ(cut.found.header, 0u);
         EXPECT_EQ(cut.start, 0u);
         EXPECT_EQ(cut.size, data.size());
     }
@@ -112,7 +112,7 @@ TEST(MpegAudioCutter, AcceptsHeadersThatDifferInFreeBitsOnly) {
         const uint32_t header = kHeader ^ 1u << bit;
         const bool isFree = (bit < 10 || bit == 16) || (bit >= 12 && bit < 16);
         const MpegAudioCut cut = cutOf(dataWith(header, 0, 2000));
-        EXPECT_EQ(cut.header, isFree ? header : 0u);
+        EXPECT_EQ(cut.found.header, isFree ? header : 0u);
     }
 }
 

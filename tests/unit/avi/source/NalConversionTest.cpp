@@ -53,9 +53,10 @@ TEST(PrefixedNalReader, PrefixesAreBigEndian) {
     EXPECT_EQ(unitsOf(4, {0xFF, 0xFF, 0xFF, 0xFF, 9}), (std::vector<Unit>{{4, 0xFFFFFFFF, false}}));
 }
 
-TEST(PrefixedNalReader, EmptyUnitsAreSkipped) {
-    EXPECT_EQ(unitsOf(1, {0, 0, 1, 9, 0}), (std::vector<Unit>{{3, 1, true}}));
-    EXPECT_EQ(unitsOf(4, {0, 0, 0, 0}), std::vector<Unit>());
+TEST(PrefixedNalReader, EmptyUnitsAreUnits) {
+    EXPECT_EQ(unitsOf(1, {0, 1, 9, 0}),
+              (std::vector<Unit>{{1, 0, true}, {2, 1, true}, {4, 0, true}}));
+    EXPECT_EQ(unitsOf(4, {0, 0, 0, 0}), (std::vector<Unit>{{4, 0, true}}));
 }
 
 TEST(PrefixedNalReader, UnitBeyondTheEndIsCutAndTheLast) {
@@ -63,10 +64,22 @@ TEST(PrefixedNalReader, UnitBeyondTheEndIsCutAndTheLast) {
     EXPECT_EQ(unitsOf(1, {5}), (std::vector<Unit>{{1, 5, false}}));
 }
 
-TEST(PrefixedNalReader, RestShorterThanAPrefixEndsTheWalk) {
-    EXPECT_EQ(unitsOf(2, {0, 1, 9, 0}), (std::vector<Unit>{{2, 1, true}}));
-    EXPECT_EQ(unitsOf(4, {0, 0, 0, 1, 9, 0, 0, 9}), (std::vector<Unit>{{4, 1, true}}));
-    EXPECT_EQ(unitsOf(4, {0, 0, 9}), std::vector<Unit>());
+TEST(PrefixedNalReader, RestShorterThanAPrefixIsALastEmptyUnitAndNotWhole) {
+    EXPECT_EQ(unitsOf(2, {0, 1, 9, 0}), (std::vector<Unit>{{2, 1, true}, {3, 0, false}}));
+    EXPECT_EQ(unitsOf(4, {0, 0, 0, 1, 9, 0, 0, 9}),
+              (std::vector<Unit>{{4, 1, true}, {5, 0, false}}));
+    EXPECT_EQ(unitsOf(4, {0, 0, 9}), (std::vector<Unit>{{0, 0, false}}));
+}
+
+TEST(PrefixedNalReader, TellsWhereThePrefixOfAUnitStands) {
+    const ExactBytes sample({0, 2, 9, 9, 0, 0, 7});
+    PrefixedNalReader reader(sample.data(), sample.size(), 2);
+    PrefixedNal unit;
+    for (const size_t prefixAt : {0u, 4u, 6u}) {
+        ASSERT_TRUE(reader.next(&unit));
+        EXPECT_EQ(unit.prefixAt, prefixAt);
+    }
+    EXPECT_FALSE(reader.next(&unit));
 }
 
 TEST(PrefixedNalReader, EmptySampleHasNoUnits) {

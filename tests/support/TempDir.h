@@ -9,12 +9,12 @@
 #include <stdexcept>
 #include <string>
 
-namespace android::service {
+namespace avitest {
 
 class TempDir {
   public:
     TempDir() {
-        std::string name = std::filesystem::temp_directory_path() / "service-test-XXXXXX";
+        std::string name = std::filesystem::temp_directory_path() / "avi-test-XXXXXX";
         if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
         mPath = name;
     }
@@ -27,15 +27,18 @@ class TempDir {
 
     const std::filesystem::path& path() const { return mPath; }
 
+    /** The path of a file in it, which need not be there. */
+    std::string file(const std::string& name) const { return mPath / name; }
+
     /** Writes a file of these bytes and returns its path. */
     std::string write(const std::string& name, const std::string& bytes) const {
-        const std::filesystem::path file = mPath / name;
-        std::ofstream(file, std::ios::binary) << bytes;
-        return file;
+        const std::string path = file(name);
+        std::ofstream(path, std::ios::binary) << bytes;
+        return path;
     }
 
   private:
     std::filesystem::path mPath;
 };
 
-}  // namespace android::service
+}  // namespace avitest

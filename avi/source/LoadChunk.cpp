@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Loads a chunk into mBuffer in the form that decoders take: start codes in front of VC-1 and AVC
+// units, PCM of 16 bits.
+#include <string.h>
+
+#include <algorithm>
+#include <memory>
+#include <new>
+
+#include "source/Conversions.h"
+#include "source/RuvoAVISource.h"
+#include "support/Check.h"
+#include "support/HexDump.h"
+#include "support/Log.h"
+
+namespace android {
+
+// Fills mBuffer and sets its range.
+media_status_t RuvoAVISource::loadChunk(Chunk* chunk) {
+    size_t insertedBytes = 0;
+    bool loaded = false;
+    beginRead();
+    if (mIsWVC1) {
+        loaded = loadVc1(chunk, &insertedBytes);
+    } else if (mIsAVC && mInfo.mAVCStyle == 0 && mInfo.mAVCSizeLength >= 1) {
+        loaded = loadLengthPrefixed(*chunk);
+    } else {
+        loaded = loadPlain(*chunk, 0);
+    }
+    if (!loaded) return shortRead(*chunk, __LINE__);
+    mBuffer->set_range(0, insertedBytes + chunk->size);
+    if (!mIsAudio) {
+        chunk->isTyped = true;
+        chunk->type =
+            getFrameType(static_cast<const uint8_t*>(mBuffer->data()), insertedBytes + chunk->size);
+    }
+    return AMEDIA_OK;
+}
+
+// The common case: one read, straight into the buffer, from `position` on.
+bool RuvoAVISource::loadPlain(const Chunk& chunk, size_t position) {
+    if (position > mBufferCapacity || chunk.size > mBufferCapacity - position) return false;
+    uint8_t* data = static_cast<uint8_t*>(mBuffer->data()) + position;
+    return mDataSource->readAt(chunk.offset, data, chunk.size) == static_cast<ssize_t>(chunk.size);
+}
+
+// VC-1 decoders find frames by their start codes, which most writers leave out. The frame header
+// tells key frames better than the index.
+bool RuvoAVISource::loadVc1(Chunk* chunk, size_t* insertedBytes) {
+    if (mBufferCapacity < kStartCodeSize) return false;
+    uint8_t bytes[kVc1ProbeBytes] = {};
+    const size_t probed = std::min<size_t>(chunk->size, sizeof(bytes));
+    if (mDataSource->readAt(chunk->offset, bytes, probed) != static_cast<ssize_t>(probed)) {
+        return false;
+    }
+    const Vc1Frame frame = probeVc1Frame(bytes);
+    chunk->isSync = frame.isSync;
+    if (!frame.hasStartCode) {
+        writeVc1StartCode(static_cast<uint8_t*>(mBuffer->data()));
+        *insertedBytes = kStartCodeSize;
+    }
+    return loadPlain(*chunk, *insertedBytes);
+}
+
+// Decoders take start codes. The published length stays that of the chunk, which is exact for the
+// usual prefixes of four bytes.
+bool RuvoAVISource::loadLengthPrefixed(const Chunk& chunk) {
+    const int64_t size = fileSize();
+    if (chunk.size > mBufferCapacity || (size > 0 && chunk.offset + chunk.size > size))
+        return false;
+    const std::unique_ptr<uint8_t[]> sample(new (std::nothrow) uint8_t[chunk.size]);
+    if (sample == nullptr || mDataSource->readAt(chunk.offset, sample.get(), chunk.size) !=
+                                 static_cast<ssize_t>(chunk.size)) {
+        return false;
+    }
+    dumpData(sample.get(), chunk.size, kNoTime, static_cast<uint32_t>(chunk.index));
+    const size_t written = convertLengthPrefixed(chunk, sample.get());
+    auto* out = static_cast<uint8_t*>(mBuffer->data());
+    if (written < chunk.size) memset(out + written, 0, chunk.size - written);
+    return true;
+}
+
+// Returns the bytes written.
+size_t RuvoAVISource::convertLengthPrefixed(const Chunk& chunk, const uint8_t* sample) {
+    auto* out = static_cast<uint8_t*>(mBuffer->data());
+    size_t dstOffset = 0;
+    unsigned number = 1;
+    PrefixedNal unit;
+    PrefixedNalReader units(sample, chunk.size, static_cast<size_t>(mInfo.mAVCSizeLength));
+    while (units.next(&unit)) {
+        if (isEnableLogOutput()) {
+            logNal(ANDROID_LOG_DEBUG, chunk, sample, unit, number,
+                   unit.isWhole ? "GOOD NAL" : "MALFORMED");
+        }
+        if (unit.length == 0) continue;
+        AVI_CHECK_TEXT(dstOffset + kStartCodeSize <= mBufferCapacity,
+                       "dstOffset + 4 <= mBuffer->size()");
+        if (!unit.isWhole) {
+            logNal(ANDROID_LOG_ERROR, chunk, sample, unit, number, "MALFORMED!!!");
+        }
+        const size_t length = std::min(unit.length, chunk.size - unit.offset);
+        dstOffset += writeNalUnit(sample + unit.offset, length, out + dstOffset,
+                                  mBufferCapacity - dstOffset);
+        ++number;
+    }
+    return dstOffset;
+}
+
+// One line about a unit, with the eight bytes from its prefix on.
+void RuvoAVISource::logNal(int priority, const Chunk& chunk, const uint8_t* sample,
+                           const PrefixedNal& unit, unsigned number, const char* verdict) const {
+    uint8_t bytes[8] = {};
+    memcpy(bytes, sample + unit.prefixAt, std::min(sizeof(bytes), chunk.size - unit.prefixAt));
+    AVI_LOG(priority, "%s %s NAL%u LenOff %zu Len %zu/%zu/%zu %s", prefix(chunk).c_str(),
+            hexBytes(bytes, sizeof(bytes)).c_str(), number, unit.offset, unit.length,
+            chunk.size - unit.offset, size_t{chunk.size}, verdict);
+}
+
+// The platform's audio path takes 16 bits.
+media_status_t RuvoAVISource::convertPcm(const Chunk& chunk) {
+    if (!mIsRawPCM) return AMEDIA_OK;
+    uint8_t* data = static_cast<uint8_t*>(mBuffer->data());
+    switch (mInfo.mBitsPerSample) {
+        case 32:
+            mBuffer->set_range(0, narrowPcm32(data, chunk.size));
+            return AMEDIA_OK;
+        case 24:
+            mBuffer->set_range(0, narrowPcm24(data, chunk.size));
+            return AMEDIA_OK;
+        case 8:
+            return convertPcm8(chunk);
+        default:
+            return AMEDIA_OK;
+    }
+}
+
+media_status_t RuvoAVISource::convertPcm8(const Chunk& chunk) {
+    MediaBufferHelper* wide = nullptr;
+    size_t capacity = 0;
+    if (acquireBuffer(&wide, &capacity) != AMEDIA_OK) {
+        return bufferFailure(chunk, __LINE__);
+    }
+    AVI_CHECK_TEXT(wide != nullptr, "tmp != NULL");
+    const size_t size = std::min<size_t>(chunk.size, capacity / 2);
+    widenPcm8(static_cast<const uint8_t*>(mBuffer->data()), size,
+              static_cast<uint8_t*>(wide->data()));
+    wide->set_range(0, 2 * size);
+    releaseBuffer();
+    mBuffer = wide;
+    return AMEDIA_OK;
+}
+
+}  // namespace android
