@@ -12,7 +12,7 @@ usage: scripts/bootstrap.sh [--clang] [--cross] [--lint] [--all]
 Installs what building and testing the `release` and `coverage` presets needs, and with
   --clang   what the presets debug, asan, intsan, tsan and fuzz need as well
   --cross   what the preset aarch64 needs as well (adds the architecture arm64 to dpkg)
-  --lint    clang-format, clang-tidy and shellcheck as well
+  --lint    what scripts/lint.sh needs as well
   --all     all of these
 TEXT
 }
@@ -22,7 +22,7 @@ readonly base_packages=(
     cmake ninja-build g++
     android-libutils-dev android-liblog-dev zlib1g-dev
     libcli11-dev libfmt-dev nlohmann-json3-dev
-    googletest ffmpeg)
+    googletest ffmpeg python3)
 
 # llvm-14 holds the symbolizer of the sanitizers' reports, libclang-rt-14-dev their run time.
 readonly clang_packages=(clang-14 libclang-rt-14-dev llvm-14)
@@ -34,7 +34,7 @@ readonly cross_packages=(
     android-libutils:arm64 android-liblog:arm64
     zlib1g-dev:arm64 libfmt-dev:arm64)
 
-readonly lint_packages=(clang-format-14 clang-tidy-14 shellcheck git)
+readonly lint_packages=(clang-format-14 clang-tidy-14 shellcheck zsh fish mandoc git)
 
 die() {
     echo "bootstrap: $*" >&2

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Failed assertions, and texts that nothing from outside brings about.
+
+#include <iterator>
+
+#include "tests/behaviour/logs/LogTexts.h"
+
+namespace avitest {
+
+namespace {
+
+constexpr FatalText kFatal[] = {
+    {"CHECK(mStarted) failed.", readBeforeStart},
+    {"CHECK(!mStarted) failed.", startedTwice},
+    {"CHECK(mBuffer != NULL) failed.", emptyAnswerForASample},
+    {"CHECK(tmp != NULL) failed.", emptyAnswerForAWideSample},
+    {"CHECK(clone != NULL) failed.", emptyAnswerForAFrame},
+    {"CHECK(dstOffset + 4 <= mBuffer->size()) failed.", nalUnitsBeyondTheBuffer},
+    {"CHECK_LE( samplingFreqIndex,11u) failed: %u vs. %u", aacOfImpossibleRate},
+};
+
+constexpr char kEveryTrackHasAMimeType[] =
+    "the parser gives every track a MIME type before anything else is known of it";
+
+constexpr UnreachedText kUnreached[] = {
+    {"CHECK(success) failed.", "CHECK(success) failed.", kEveryTrackHasAMimeType},
+    {"CHECK(AMediaFormat_getString(track->meta, AMEDIAFORMAT_KEY_MIME, &mime)) failed.",
+     "CHECK(AMediaFormat_getString(track->meta, AMEDIAFORMAT_KEY_MIME, &mime)) failed.",
+     kEveryTrackHasAMimeType},
+    {"CHECK(AMediaFormat_getString(mLastTrack->meta, AMEDIAFORMAT_KEY_MIME, &mime)) failed.",
+     "CHECK(AMediaFormat_getString(mLastTrack->meta, AMEDIAFORMAT_KEY_MIME, &mime)) failed.",
+     kEveryTrackHasAMimeType},
+    {"CHECK(isSyncSample == 0 || isSyncSample == 1) failed.",
+     "CHECK(isSyncSample == 0 || isSyncSample == 1) failed.", "all index readers write 0 or 1"},
+    {"%s(): error -%X @line%d", "addSample(): error -3EF @line#",
+     "all index readers look for the track first"},
+    {"%s(): error -%X @line%d", "clearSamples(): error -3EF @line#",
+     "tables are cleared in a walk over the tracks"},
+    {"%s(): Ignore multiple index!", "parseIDX1(): Ignore multiple index!",
+     "the walks of the first RIFF and of further ones see to it that there is one index"},
+    {"malloc(%zu) falied!", "malloc(70) falied!", "takes a failing allocation of a few bytes"},
+    {"%s(%s): seekTime of track %d not found!",
+     "getAudioSeekTimeByTrackId(audio/raw): seekTime of track 1 not found!",
+     "every audio stream gets its record with its format"},
+};
+
+}  // namespace
+
+const Rows<FatalText> kFatalTexts = {std::begin(kFatal), std::size(kFatal)};
+const Rows<UnreachedText> kUnreachedTexts = {std::begin(kUnreached), std::size(kUnreached)};
+
+}  // namespace avitest

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The dump of a parsed track.
+
+#include <iterator>
+
+#include "tests/behaviour/logs/LogTexts.h"
+
+namespace avitest {
+
+namespace {
+
+constexpr LogText kRows[] = {
+    {"    mScale         %u", kVerbose, Gate::kExtractLog, plainFile, "    mScale         1",
+     fileWithoutMovi},
+    {"    mRate          %u", kVerbose, Gate::kExtractLog, plainFile, "    mRate          25",
+     fileWithoutMovi},
+    {"    mFccType       %s(%x)", kVerbose, Gate::kExtractLog, plainFile,
+     "    mFccType       vids(73646976)", fileWithoutMovi},
+    {"    mCompression   %s(%x)", kVerbose, Gate::kExtractLog, plainFile,
+     "    mCompression   MJPG(47504a4d)", fileWithoutMovi},
+    {"    mBlockAlign    %u", kVerbose, Gate::kExtractLog, mp3Blocks, "    mBlockAlign    1152",
+     fileWithoutMovi},
+    {"    mSampleSize    %u", kVerbose, Gate::kExtractLog, plainFile, "    mSampleSize    4",
+     fileWithoutMovi},
+    {"    mBitsPerSample %u", kVerbose, Gate::kExtractLog, plainFile, "    mBitsPerSample 16",
+     fileWithoutMovi},
+    {"    mMP3Header     %X", kVerbose, Gate::kExtractLog, mp3Blocks, "    mMP3Header     FFFB9000",
+     fileWithoutMovi},
+    {"    mFormatTag      %X", kVerbose, Gate::kExtractLog, mp3Blocks, "    mFormatTag      50",
+     fileWithoutMovi},
+    {"    mChannels       %u", kVerbose, Gate::kExtractLog, plainFile, "    mChannels       2",
+     fileWithoutMovi},
+    {"    mSamplesPerSec  %u", kVerbose, Gate::kExtractLog, plainFile, "    mSamplesPerSec  8000",
+     fileWithoutMovi},
+    {"    mAvgBytesPerSec %u", kVerbose, Gate::kExtractLog, plainFile, "    mAvgBytesPerSec 32000",
+     fileWithoutMovi},
+    {"    mSize           %u", kVerbose, Gate::kExtractLog, wma, "    mSize           6",
+     fileWithoutMovi},
+    {"    mBlockMode     %d", kVerbose, Gate::kExtractLog, mp3Blocks, "    mBlockMode     1",
+     fileWithoutMovi},
+    {"    mBrokenIndex   %d", kVerbose, Gate::kExtractLog, scannedFile, "    mBrokenIndex   1",
+     fileWithoutMovi},
+    {"    mIsRawAACData  %d", kVerbose, Gate::kExtractLog, aacExtraData, "    mIsRawAACData  1",
+     fileWithoutMovi},
+    {"    mIsVBRWise     %d", kVerbose, Gate::kExtractLog, aacExtraData, "    mIsVBRWise     1",
+     fileWithoutMovi},
+    {"    mAVCStyle      %d", kVerbose, Gate::kExtractLog, avcRecordOfAnotherVersion,
+     "    mAVCStyle      1", fileWithoutMovi},
+    {"    mAVCSizeLength %d", kVerbose, Gate::kExtractLog, avcRecord, "    mAVCSizeLength 4",
+     fileWithoutMovi},
+    {"    mFrameRate     %f", kVerbose, Gate::kExtractLog, plainFile,
+     "    mFrameRate     25.000000", fileWithoutMovi},
+    {"    mInvalidDataSize        %u", kVerbose, Gate::kExtractLog, mp3Blocks,
+     "    mInvalidDataSize        1152", fileWithoutMovi},
+    {"    mInvalidSampleIdx       %u", kVerbose, Gate::kExtractLog, mp3Blocks,
+     "    mInvalidSampleIdx       1", fileWithoutMovi},
+    {"    mIsExcludingInvalidData %d", kVerbose, Gate::kExtractLog, mp3Blocks,
+     "    mIsExcludingInvalidData 1", fileWithoutMovi},
+    {"    mStartOffset       %u", kVerbose, Gate::kExtractLog, plainFile,
+     "    mStartOffset       45", fileWithoutMovi},
+    {"    mTotalSamples      %u", kVerbose, Gate::kExtractLog, plainFile,
+     "    mTotalSamples      12", fileWithoutMovi},
+    {"    mTotalSyncSamples  %u", kVerbose, Gate::kExtractLog, plainFile,
+     "    mTotalSyncSamples  12", fileWithoutMovi},
+    {"    mTotalSampleSize   %llu", kVerbose, Gate::kExtractLog, plainFile,
+     "    mTotalSampleSize   612", fileWithoutMovi},
+    {"    mMaxSampleSize     %u", kVerbose, Gate::kExtractLog, plainFile,
+     "    mMaxSampleSize     62", fileWithoutMovi},
+    {"    mMaxSyncSampleSize %u", kVerbose, Gate::kExtractLog, plainFile,
+     "    mMaxSyncSampleSize 62", fileWithoutMovi},
+    {"    mThumbNailIndex    %u", kVerbose, Gate::kExtractLog, plainFile,
+     "    mThumbNailIndex    11", fileWithoutMovi},
+    {"    mSampleOffsets.size    %zu", kVerbose, Gate::kExtractLog, plainFile,
+     "    mSampleOffsets.size    12", fileWithoutMovi},
+    {"    mSampleSizes.size      %zu", kVerbose, Gate::kExtractLog, plainFile,
+     "    mSampleSizes.size      12", fileWithoutMovi},
+    {"    mSampleSyncs.size      %zu", kVerbose, Gate::kExtractLog, plainFile,
+     "    mSampleSyncs.size      12", fileWithoutMovi},
+    {"    mSampleBlockSizes.size %zu", kVerbose, Gate::kExtractLog, mp3Blocks,
+     "    mSampleBlockSizes.size 3", fileWithoutMovi},
+    {"    mIsAVC                  %d", kVerbose, Gate::kExtractLog, avcRecord,
+     "    mIsAVC                  1", fileWithoutMovi},
+    {"    mIsHEVC                 %d", kVerbose, Gate::kExtractLog, hevc,
+     "    mIsHEVC                 1", fileWithoutMovi},
+    {"    mIsVorbis               %d", kVerbose, Gate::kExtractLog, vorbis,
+     "    mIsVorbis               1", fileWithoutMovi},
+    {"    mINDXValid              %d", kVerbose, Gate::kExtractLog, idx1BesidesOpenDml,
+     "    mINDXValid              1", fileWithoutMovi},
+    {"    mNeedCodecData          %d", kVerbose, Gate::kExtractLog, avcRecord,
+     "    mNeedCodecData          1", fileWithoutMovi},
+    {"    mIsIncludeExpensiveMeta %d", kVerbose, Gate::kExtractLog, plainFile,
+     "    mIsIncludeExpensiveMeta 0", fileWithoutMovi},
+    {"Dump Track[%u]:", kVerbose, Gate::kExtractLog, plainFile, "Dump Track[1]:", fileWithoutMovi},
+    {"%s", kVerbose, Gate::kExtractLog, wmv, "4e 29 f4 01 ", plainFile},
+    {"%s", kDebug, Gate::kAlways, avcStartCodes,
+     "01 42 00 1E FD E1 00 08 67 42 00 1E DA 05 82 59\n01 00 04 68 CE 3C 80 ", plainFile},
+    {"%s", kVerbose, Gate::kExtractLog, superIndex,
+     "7A 01 00 00 00 00 00 00 28 00 00 00 02 00 00 00", plainFile},
+    {"%s", kVerbose, Gate::kExtractLog, plainFile,
+     "display-width: int32(320)*mime: string(video/x-motion-jpeg)*", fileWithoutMovi},
+};
+
+}  // namespace
+
+const Rows<LogText> kTrackDumpTexts = {std::begin(kRows), std::size(kRows)};
+
+}  // namespace avitest
