@@ -3,8 +3,7 @@
 
 #include <fmt/format.h>
 
-#include <new>
-
+#include "tools/avitool/CommandParts.h"
 #include "tools/avitool/InfoPrinter.h"
 #include "tools/avitool/OpenedFile.h"
 #include "tools/avitool/Report.h"
@@ -16,28 +15,6 @@ namespace avitool {
 namespace service = android::service;
 
 namespace {
-
-void complainAbout(const std::string& path, const TrackReport& track, Console& console) {
-    for (const auto& failure : {track.formatFailure, track.read.failure}) {
-        if (!failure) continue;
-        console.complain(path, fmt::format("track {}: {}", track.index, toText(*failure)));
-    }
-}
-
-// Runs `work` and returns what went wrong with the file in it, if anything.
-template <typename Work>
-std::optional<std::string> problemOf(const Work& work) {
-    try {
-        work();
-    } catch (const OutputError&) {
-        throw;  // no fault of the file
-    } catch (const std::bad_alloc&) {
-        return "not enough memory";
-    } catch (const std::exception& error) {
-        return error.what();
-    }
-    return std::nullopt;
-}
 
 void inspect(const service::PluginLibrary& plugin, FileReport* report) {
     const OpenedFile file(plugin, report->path);
@@ -62,20 +39,6 @@ void showTrack(const OpenedFile& file, size_t index, const Options& options, Sam
                            });
     printer.endTrack(track);
     complainAbout(options.files.front(), track, console);
-}
-
-// The tracks to show, from `first` to before `end`.
-struct TrackRange {
-    size_t first = 0;
-    size_t end = 0;
-};
-
-TrackRange wantedTracks(const OpenedFile& file, const Options& options) {
-    const size_t count = file.extractor().countTracks();
-    if (!options.track) return {0, count};
-    if (*options.track < count) return {*options.track, *options.track + 1};
-    throw FileError(fmt::format("has no track {}: it has {} track{}, counted from 0",
-                                *options.track, count, count == 1 ? "" : "s"));
 }
 
 }  // namespace

@@ -22,4 +22,8 @@ void runSamples(const Options& options, const android::service::PluginLibrary& p
 void runSeek(const Options& options, const android::service::PluginLibrary& plugin,
              Console& console);
 
+/** Writes each track of the file, or one of them, into files of its own. Throws OutputError. */
+void runExtract(const Options& options, const android::service::PluginLibrary& plugin,
+                Console& console);
+
 }  // namespace avitool

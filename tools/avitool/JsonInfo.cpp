@@ -16,12 +16,21 @@ Json trackJson(const TrackReport& track) {
     return object;
 }
 
+// A member for each tag that the file has.
+Json tagsJson(const FormatEntries& entries) {
+    Json object = Json::object();
+    for (const Tag& tag : tagsOf(entries))
+        object[tag.member] = tag.text;
+    return object;
+}
+
 Json fileJson(const FileReport& report) {
     if (report.error) return {{"file", report.path}, {"error", *report.error}};
     Json object = {{"file", report.path}};
     object["extractor"] = report.extractor;
     object["confidence"] = shortest(report.confidence);
     object["format"] = toJson(report.format);
+    object["tags"] = tagsJson(report.format);
     object["tracks"] = Json::array();
     for (const TrackReport& track : report.tracks)
         object["tracks"].push_back(trackJson(track));

@@ -1,56 +1,35 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tools/avitool/Options.h"
 
-#include <cutils/properties.h>
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
-#include <charconv>
-#include <iterator>
 #include <sstream>
-#include <string_view>
-#include <utility>
 
+#include "tools/avitool/OptionValues.h"
 #include "tools/avitool/Text.h"
 
 namespace avitool {
 
 namespace {
 
-constexpr const char* kProperties[] = {"vendor.ruvo.avi.extract.log", "vendor.ruvo.avi.verbose.log",
-                                       "vendor.ruvo.avi.disable.audio"};
-
-struct LogLevel {
-    const char* name;
-    int priority;
-};
-constexpr LogLevel kLogLevels[] = {
-    {"verbose", ANDROID_LOG_VERBOSE}, {"debug", ANDROID_LOG_DEBUG}, {"info", ANDROID_LOG_INFO},
-    {"warn", ANDROID_LOG_WARN},       {"error", ANDROID_LOG_ERROR}, {"silent", ANDROID_LOG_SILENT}};
-
-struct ModeName {
-    const char* name;
-    SeekMode mode;
-};
-constexpr ModeName kModeNames[] = {{"previous", SeekMode::kPreviousSync},
-                                   {"next", SeekMode::kNextSync},
-                                   {"closest-sync", SeekMode::kClosestSync},
-                                   {"closest", SeekMode::kClosest}};
-
 constexpr const char* kFooter = R"(
 Properties for --set, each off with 0 and on with any other number:
   vendor.ruvo.avi.extract.log    the plug-in logs what it parses   (see it with --log verbose)
   vendor.ruvo.avi.verbose.log    the plug-in logs every chunk      (see it with --log verbose)
   vendor.ruvo.avi.disable.audio  the plug-in drops audio tracks
+info --log verbose switches vendor.ruvo.avi.extract.log on by itself, unless --set names it: the
+log then has the plug-in's record of each track.
 
-JSON: info prints an array with an object for each file, in the order given; samples and seek print
-one object.
-A file that fails has a member "error" instead of its contents.
+JSON: info prints an array with an object for each file, in the order given; samples, seek and
+extract print one object.
+A file that fails has a member "error" instead of its contents; extract's has it beside the list of
+what was written before.
 
 Exit status:
-  0  everything was shown
+  0  everything was shown or written
   1  a file cannot be read, is not claimed, fails to parse or has a track that fails; the rest is
-     shown all the same (a seek that finds the end of the stream is no failure)
+     shown or written all the same (a seek that finds the end of the stream is no failure);
+     extract: a file exists already or cannot be written
   2  wrong use, or no usable plug-in
 
 Examples:
@@ -58,108 +37,28 @@ Examples:
   avitool info *.avi --json | jq '.[].tracks[].format.mime.value'
   avitool samples clip.avi --track 0 --limit 10
   avitool seek clip.avi --at 61.5 --mode closest
+  avitool extract clip.avi -o streams --track 0
   avitool info clip.avi --log debug
   avitool samples clip.avi --set vendor.ruvo.avi.verbose.log=1 --log verbose
 )";
 
-void addProperty(const std::string& text, Options* options) {
-    const size_t equals = text.find('=');
-    if (equals == std::string::npos) {
-        throw CLI::ValidationError("--set", "'" + text + "' is not PROPERTY=VALUE");
-    }
-    const std::string name = text.substr(0, equals);
-    const std::string value = text.substr(equals + 1);
-    if (std::find(std::begin(kProperties), std::end(kProperties), name) == std::end(kProperties)) {
-        throw CLI::ValidationError("--set", "'" + name + "' is no property of the plug-in");
-    }
-    if (value.size() >= PROPERTY_VALUE_MAX) {
-        throw CLI::ValidationError("--set", "the value of " + name + " is too long");
-    }
-    options->properties.emplace_back(name, value);
-}
+constexpr const char* kExtractFooter = R"(
+Of track 0 of clip.avi become DIR/clip.0.EXT, its stream, and DIR/clip.0.csv, a line a sample:
+index, time_us, sync (0 or 1), size, and offset, where the sample's bytes begin in the stream's
+file, behind a header made for it.
 
-void setLogLevel(const std::string& name, Options* options) {
-    for (const LogLevel& level : kLogLevels) {
-        if (name == level.name) {
-            options->logPriority = level.priority;
-            return;
-        }
-    }
-    throw CLI::ValidationError("--log", "'" + name + "' is no log level");
-}
+  .h264 .h265       start codes; the parameter sets of the file's header in front when the first
+                    sample has none
+  .m4v .m2v .mjpeg  MPEG-4 part 2, MPEG-1 and MPEG-2, Motion JPEG
+  .mp1 .mp2 .mp3    MPEG audio, by its layer
+  .ac3 .dts         as they are
+  .aac              with ADTS headers, the stream's own or made for it
+  .wav              PCM (16 bits a sample, as players get it), A-law, mu-law, MS and IMA ADPCM;
+                    sizes in its header stay at 4 GiB - 1 for a longer track
+  .bin              everything else: the samples one after the other
 
-void setSeekMode(const std::string& name, Options* options) {
-    for (const ModeName& entry : kModeNames) {
-        if (name == entry.name) {
-            options->seekMode = entry.mode;
-            return;
-        }
-    }
-    throw CLI::ValidationError("--mode", "'" + name + "' is no seek mode");
-}
-
-// CLI11 splits arguments in brackets at their commas, ends a subcommand at "++", and at "--" when
-// it has a file already. All may belong to names of files, so such arguments travel through it with
-// a mark in front.
-constexpr char kMark = '\1';
-
-// The arguments for CLI11, which wants the last one first.
-std::vector<std::string> markedArguments(int argc, const char* const* argv) {
-    constexpr std::string_view kSpecial = "[+\1";
-    std::vector<std::string> arguments;
-    bool onlyNames = false;  // after "--"
-    for (int i = 1; i < argc; ++i) {
-        const std::string argument = argv[i];
-        if (argument == "--" && !onlyNames) {
-            onlyNames = true;
-            continue;
-        }
-        const bool special = onlyNames || (!argument.empty() &&
-                                           kSpecial.find(argument[0]) != std::string_view::npos);
-        arguments.push_back(special ? kMark + argument : argument);
-    }
-    std::reverse(arguments.begin(), arguments.end());
-    return arguments;
-}
-
-std::string unmarked(const std::string& argument) {
-    return !argument.empty() && argument[0] == kMark ? argument.substr(1) : argument;
-}
-
-std::string withoutMarks(std::string message) {
-    message.erase(std::remove(message.begin(), message.end(), kMark), message.end());
-    return message;
-}
-
-// Not CLI11's conversion, which takes "-1" for the largest number and an overflow as well.
-uint64_t parseCount(const std::string& option, const std::string& text) {
-    uint64_t value = 0;
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    if (error != std::errc() || stop != end) {
-        throw CLI::ValidationError(option, "'" + text + "' is no number");
-    }
-    return value;
-}
-
-// Seconds as decimal digits with or without a fraction, of which six digits count, as microseconds.
-int64_t parseSeconds(const std::string& option, const std::string& text) {
-    constexpr size_t kFractionDigits = 6;
-    const size_t point = std::min(text.find('.'), text.size());
-    std::string fraction = text.substr(std::min(point + 1, text.size()));
-    const std::string digits = text.substr(0, point) + fraction;
-    const bool isNumber = !digits.empty() && std::all_of(digits.begin(), digits.end(), [](char c) {
-        return c >= '0' && c <= '9';
-    });
-    fraction.resize(kFractionDigits, '0');
-    const std::string micros = text.substr(0, point) + fraction;
-    int64_t value = 0;
-    const auto result = std::from_chars(micros.data(), micros.data() + micros.size(), value);
-    if (!isNumber || result.ec != std::errc()) {
-        throw CLI::ValidationError(option, "'" + text + "' is no time in seconds");
-    }
-    return value;
-}
+A file gets its name when it is whole. What can be read of a track that fails is kept.
+)";
 
 // An option whose texts are handed to `take` one by one, as they stand on the line. CLI11's own
 // conversions have special texts, like "{}", that are ordinary values here.
@@ -179,10 +78,11 @@ CLI::Option* addText(CLI::App* app, const std::string& name, const char* valueNa
 void addCommonOptions(CLI::App* app, Options* options) {
     addText(
         app, "--set", "PROPERTY=VALUE",
-        [options](const std::string& text) { addProperty(text, options); },
+        [options](const std::string& text) { options->properties.push_back(parseProperty(text)); },
         "Set a system property for the plug-in;\nmay be repeated");
     addText(
-        app, "--log", "LEVEL", [options](const std::string& text) { setLogLevel(text, options); },
+        app, "--log", "LEVEL",
+        [options](const std::string& text) { options->logPriority = parseLogLevel(text); },
         "Show the plug-in's log on standard error from\nthis level up: verbose, debug, info, "
         "warn,\nerror or silent (the default)");
     addText(
@@ -199,13 +99,24 @@ CLI::App* addCommand(CLI::App* app, const char* name, const char* description, C
     return sub;
 }
 
+CLI::Option* addFile(CLI::App* command, const char* description, Options* options) {
+    return addText(
+               command, "FILE", "",
+               [options](const std::string& file) { options->files.push_back(file); }, description)
+        ->required();
+}
+
+void addTrack(CLI::App* command, Options* options) {
+    addText(
+        command, "--track", "N",
+        [options](const std::string& text) { options->track = parseCount("--track", text); },
+        "Only this track, counted from 0");
+}
+
 void addInfo(CLI::App* app, Options* options) {
     CLI::App* info = addCommand(app, "info", "Show the formats and sample counts of AVI files",
                                 Command::kInfo, options);
-    addText(
-        info, "FILE", "", [options](const std::string& file) { options->files.push_back(file); },
-        "The AVI files")
-        ->required()
+    addFile(info, "The AVI files", options)
         ->expected(1, CLI::detail::expected_max_vector_size)
         ->allow_extra_args();
 }
@@ -213,14 +124,8 @@ void addInfo(CLI::App* app, Options* options) {
 void addSamples(CLI::App* app, Options* options) {
     CLI::App* samples = addCommand(app, "samples", "Show the samples of an AVI file, a line each",
                                    Command::kSamples, options);
-    addText(
-        samples, "FILE", "", [options](const std::string& file) { options->files.push_back(file); },
-        "The AVI file")
-        ->required();
-    addText(
-        samples, "--track", "N",
-        [options](const std::string& text) { options->track = parseCount("--track", text); },
-        "Only this track, counted from 0");
+    addFile(samples, "The AVI file", options);
+    addTrack(samples, options);
     addText(
         samples, "--limit", "N",
         [options](const std::string& text) { options->limit = parseCount("--limit", text); },
@@ -231,18 +136,31 @@ void addSeek(CLI::App* app, Options* options) {
     CLI::App* seek =
         addCommand(app, "seek", "Show where a seek in an AVI file lands, video and audio",
                    Command::kSeek, options);
-    addText(
-        seek, "FILE", "", [options](const std::string& file) { options->files.push_back(file); },
-        "The AVI file")
-        ->required();
+    addFile(seek, "The AVI file", options);
     addText(
         seek, "--at", "SECONDS",
         [options](const std::string& text) { options->seekUs = parseSeconds("--at", text); },
         "The time to seek to, 61.5 for example")
         ->required();
     addText(
-        seek, "--mode", "MODE", [options](const std::string& text) { setSeekMode(text, options); },
+        seek, "--mode", "MODE",
+        [options](const std::string& text) { options->seekMode = parseSeekMode(text); },
         "Where to land: previous (the default), next,\nclosest-sync or closest");
+}
+
+void addExtract(CLI::App* app, Options* options) {
+    CLI::App* extract =
+        addCommand(app, "extract", "Write the tracks of an AVI file as files that players open",
+                   Command::kExtract, options);
+    addFile(extract, "The AVI file", options);
+    addText(
+        extract, "-o,--output", "DIR",
+        [options](const std::string& text) { options->output = parseFolder("--output", text); },
+        "The folder to write into, made when missing")
+        ->required();
+    addTrack(extract, options);
+    extract->add_flag("--force", options->force, "Overwrite files that exist");
+    extract->footer(kExtractFooter);
 }
 
 void defineLine(CLI::App* app, Options* options) {
@@ -256,16 +174,10 @@ void defineLine(CLI::App* app, Options* options) {
     addInfo(app, options);
     addSamples(app, options);
     addSeek(app, options);
+    addExtract(app, options);
 }
 
 }  // namespace
-
-const char* modeName(SeekMode mode) {
-    for (const ModeName& entry : kModeNames) {
-        if (mode == entry.mode) return entry.name;
-    }
-    return "";
-}
 
 ParsedLine parseLine(int argc, const char* const* argv) {
     Options options;
@@ -275,7 +187,7 @@ ParsedLine parseLine(int argc, const char* const* argv) {
     try {
         app.parse(markedArguments(argc, argv));
         if (app.get_subcommands().empty()) {
-            throw CLI::RequiredError("A command (info, samples or seek)");
+            throw CLI::RequiredError("A command (info, samples, seek or extract)");
         }
         result.options = options;
     } catch (const CLI::ParseError& error) {

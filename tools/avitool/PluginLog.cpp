@@ -24,6 +24,7 @@ struct State {
     int priority = ANDROID_LOG_SILENT;
     std::string file;
     std::vector<std::string> errors;
+    void (*abortAction)() = nullptr;
 };
 
 // Never destroyed: libraries may log while the process ends.
@@ -66,11 +67,14 @@ void record(const __android_logger_data* data, const char* message) {
 void reportAbort(const char* message) {
     std::fflush(stdout);
     std::string file;
+    void (*action)() = nullptr;
     {
         State& s = state();
         const std::lock_guard<std::mutex> lock(s.lock);
         file = s.file;
+        action = s.abortAction;
     }
+    if (action != nullptr) action();
     const std::string line =
         fmt::format("avitool: {}: the plug-in aborts the extractor service: {}\n", printable(file),
                     printable(message));
@@ -92,6 +96,12 @@ void beginFile(const std::string& path) {
     const std::lock_guard<std::mutex> lock(s.lock);
     s.file = path;
     s.errors.clear();
+}
+
+void setAbortAction(void (*action)()) {
+    State& s = state();
+    const std::lock_guard<std::mutex> lock(s.lock);
+    s.abortAction = action;
 }
 
 std::vector<std::string> errors() {

@@ -18,6 +18,9 @@ void install(int priority);
  */
 void beginFile(const std::string& path);
 
+/** Has `action` run before an assertion of the plug-in ends the process. */
+void setAbortAction(void (*action)());
+
 /** The error lines since beginFile, the first 16 at most, in order. */
 std::vector<std::string> errors();
 

@@ -4,8 +4,6 @@
 #include <fmt/format.h>
 #include <zlib.h>
 
-#include <variant>
-
 #include "tools/avitool/Text.h"
 
 namespace avitool {
@@ -13,6 +11,17 @@ namespace avitool {
 namespace service = android::service;
 
 namespace {
+
+struct TagName {
+    const char* key;
+    const char* label;
+    const char* member;
+};
+constexpr TagName kTagNames[] = {{"title", "Title", "title"},
+                                 {"album", "Album", "album"},
+                                 {"albumartist", "Album artist", "album_artist"},
+                                 {"genre", "Genre", "genre"},
+                                 {"year", "Year", "year"}};
 
 // Stops the track however its reading ends: it must give its buffers back before the group goes.
 class StartedTrack {
@@ -25,10 +34,6 @@ class StartedTrack {
   private:
     service::Track& mTrack;
 };
-
-bool isSync(const service::BufferHandle& buffer) {
-    return buffer.metaData().getInt32(AMEDIAFORMAT_KEY_IS_SYNC_FRAME).value_or(0) != 0;
-}
 
 std::optional<Failure> readFailure(uint64_t samples, const service::ReadResult& result) {
     if (result.status == AMEDIA_ERROR_END_OF_STREAM) return std::nullopt;
@@ -59,12 +64,21 @@ std::string toText(const Failure& failure) {
     return failure.status ? failure.what + ": " + statusText(*failure.status) : failure.what;
 }
 
-std::string stringEntry(const FormatEntries& entries, const char* name) {
-    for (const service::FormatEntry& entry : entries) {
-        const auto* text = std::get_if<std::string>(&entry.value);
-        if (text != nullptr && entry.name == name) return *text;
+std::vector<Tag> tagsOf(const FormatEntries& entries) {
+    std::vector<Tag> tags;
+    for (const TagName& name : kTagNames) {
+        for (const service::FormatEntry& entry : entries) {
+            const auto* text = std::get_if<std::string>(&entry.value);
+            if (text == nullptr || entry.name != name.key) continue;
+            tags.push_back({name.key, name.label, name.member, *text});
+        }
     }
-    return {};
+    return tags;
+}
+
+std::string stringEntry(const FormatEntries& entries, const char* name) {
+    const auto* text = entryOf<std::string>(entries, name);
+    return text == nullptr ? std::string() : *text;
 }
 
 TrackReport describeTrack(const service::Extractor& extractor, size_t index) {
@@ -93,6 +107,10 @@ ReadSummary readTrack(const service::Extractor& extractor, size_t index,
     const StartedTrack started(*track);
     readStarted(*track, limit, onBuffer, &summary);
     return summary;
+}
+
+bool isSync(const service::BufferHandle& buffer) {
+    return buffer.metaData().getInt32(AMEDIAFORMAT_KEY_IS_SYNC_FRAME).value_or(0) != 0;
 }
 
 SampleReport describeSample(uint64_t index, const service::BufferHandle& buffer) {

@@ -8,6 +8,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "service/Extractor.h"
@@ -60,6 +61,26 @@ struct FileReport {
     std::vector<TrackReport> tracks;
 };
 
+/** A text of the file's INFO list, which the plug-in publishes in the file's format. */
+struct Tag {
+    const char* key;     // in the format
+    const char* label;   // for people
+    const char* member;  // in JSON
+    std::string text;    // as the file has it, in whatever character set
+};
+
+/** The tags in a file's format, always in the same order: title, album, artist, genre, year. */
+std::vector<Tag> tagsOf(const FormatEntries& entries);
+
+/** The value of the entry `name` if it is of type T; else null. It lives as long as `entries`. */
+template <typename T>
+const T* entryOf(const FormatEntries& entries, const char* name) {
+    for (const android::service::FormatEntry& entry : entries) {
+        if (entry.name == name) return std::get_if<T>(&entry.value);
+    }
+    return nullptr;
+}
+
 /** The value of a string entry; empty if there is none. */
 std::string stringEntry(const FormatEntries& entries, const char* name);
 
@@ -76,6 +97,9 @@ using BufferFunction =
  */
 ReadSummary readTrack(const android::service::Extractor& extractor, size_t index,
                       std::optional<uint64_t> limit, const BufferFunction& onBuffer);
+
+/** Whether the buffer is marked as a key frame; every buffer of audio is. */
+bool isSync(const android::service::BufferHandle& buffer);
 
 SampleReport describeSample(uint64_t index, const android::service::BufferHandle& buffer);
 

@@ -73,6 +73,17 @@ std::string formatTable(const FormatEntries& entries) {
     return table;
 }
 
+// A table of the file's format, and of its tags apart from it if it has any.
+std::string fileTables(FormatEntries entries) {
+    std::string section;
+    for (const Tag& tag : tagsOf(entries)) {
+        section += fmt::format("  {:{}}  {}\n", tag.label, kMinNameWidth, valueText(tag.text));
+        const auto isTag = [&tag](const auto& entry) { return entry.name == tag.key; };
+        entries.erase(std::remove_if(entries.begin(), entries.end(), isTag), entries.end());
+    }
+    return formatTable(entries) + (section.empty() ? "" : "\nTags\n" + section);
+}
+
 std::string countLine(const char* name, uint64_t count) {
     return fmt::format("  {:{}}  {}\n", name, kMinNameWidth, count);
 }
@@ -98,7 +109,7 @@ class TextInfo : public InfoPrinter {
         mConsole.write(fmt::format("File {}\n  {:{}}  {}\n  {:{}}  {}\n", printable(report.path),
                                    "extractor", kMinNameWidth, printable(report.extractor),
                                    "confidence", kMinNameWidth, report.confidence));
-        mConsole.write(formatTable(report.format));
+        mConsole.write(fileTables(report.format));
         for (const TrackReport& track : report.tracks)
             mConsole.write("\n" + trackText(track));
         mConsole.flush();

@@ -29,11 +29,20 @@ std::string defaultPlugin() {
     return !error && fs::exists(beside, error) ? beside.string() : AVITOOL_BUILT_PLUGIN;
 }
 
-int runCommand(const Options& options, Console& console) {
-    pluginlog::install(options.logPriority);
+// What --set names has the last word: also over the log that `info` asks the plug-in for when all
+// of it is to be shown, since the dump of each track belongs to what is known of the file.
+void setProperties(const Options& options) {
+    if (options.command == Command::kInfo && options.logPriority == ANDROID_LOG_VERBOSE) {
+        property_set("vendor.ruvo.avi.extract.log", "1");
+    }
     for (const auto& [name, value] : options.properties) {
         property_set(name.c_str(), value.c_str());
     }
+}
+
+int runCommand(const Options& options, Console& console) {
+    pluginlog::install(options.logPriority);
+    setProperties(options);
     using Library = android::service::PluginLibrary;
     // Kept to the end: nothing is gained by unloading it just before.
     const Library plugin(options.plugin ? *options.plugin : defaultPlugin(),
@@ -47,6 +56,9 @@ int runCommand(const Options& options, Console& console) {
             break;
         case Command::kSeek:
             runSeek(options, plugin, console);
+            break;
+        case Command::kExtract:
+            runExtract(options, plugin, console);
             break;
     }
     return console.exitStatus();
@@ -84,5 +96,6 @@ int runGuarded(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);  // a reader that has gone shows as EPIPE
+    std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow further shows as EFBIG
     return avitool::runGuarded(argc, argv);
 }

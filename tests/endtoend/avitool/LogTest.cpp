@@ -84,7 +84,8 @@ TEST_F(Log, AMessageOfSeveralLinesKeepsThem) {
 using Property = Log;
 
 TEST_F(Property, ExtractLogSwitchesVerboseLinesOn) {
-    EXPECT_THAT(infoWith({"--log", "verbose"}).err, Not(HasSubstr(kVerboseLine)));
+    EXPECT_THAT(infoWith({"--log", "verbose", "--set", "vendor.ruvo.avi.extract.log=0"}).err,
+                Not(HasSubstr(kVerboseLine)));
     EXPECT_THAT(infoWith({"--log", "verbose", "--set", "vendor.ruvo.avi.extract.log=1"}).err,
                 HasSubstr(kVerboseLine));
 }

@@ -29,7 +29,7 @@ TEST_P(WrongUse, EndsWithTwoAndALineThatSaysWhy) {
 }
 
 const WrongLine kWrongLines[] = {
-    {"NoCommand", {}, "A command (info, samples or seek) is required"},
+    {"NoCommand", {}, "A command (info, samples, seek or extract) is required"},
     {"UnknownCommand", {"show"}, "not expected: show"},
     {"InfoWithoutFile", {"info"}, "FILE is required"},
     {"SamplesWithoutFile", {"samples"}, "FILE is required"},

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tools/avitool/CommandParts.h"
+
+#include <fmt/format.h>
+
+namespace avitool {
+
+void complainAbout(const std::string& path, const TrackReport& track, Console& console) {
+    for (const auto& failure : {track.formatFailure, track.read.failure}) {
+        if (!failure) continue;
+        console.complain(path, fmt::format("track {}: {}", track.index, toText(*failure)));
+    }
+}
+
+TrackRange wantedTracks(const OpenedFile& file, const Options& options) {
+    const size_t count = file.extractor().countTracks();
+    if (!options.track) return {0, count};
+    if (*options.track < count) return {*options.track, *options.track + 1};
+    throw FileError(fmt::format("has no track {}: it has {} track{}, counted from 0",
+                                *options.track, count, count == 1 ? "" : "s"));
+}
+
+}  // namespace avitool
