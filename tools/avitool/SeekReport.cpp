@@ -109,6 +109,7 @@ std::vector<Landing> seekTracks(const OpenedFile& file, int64_t atUs, SeekMode m
         tracks.emplace_back(file.extractor(), report);
 
     std::vector<Landing> landings;
+    landings.reserve(tracks.size());
     for (SeekableTrack& track : tracks)
         landings.push_back(track.seek(file, atUs, mode));
 
