@@ -2,6 +2,7 @@
 #include "TrackDump.h"
 
 #include <stdarg.h>
+#include <stdio.h>
 
 #include "support/Log.h"
 
@@ -22,10 +23,12 @@ class TrackDump {
 void TrackDump::line(const char* format, ...) {
     mIsOver = mIsOver || !extractLogEnabled();
     if (mIsOver) return;
+    char text[1024];  // the log cuts longer lines all the same
     va_list arguments;
     va_start(arguments, format);
-    __android_log_vprint(ANDROID_LOG_VERBOSE, kLogTag, format, arguments);
+    vsnprintf(text, sizeof(text), format, arguments);
     va_end(arguments);
+    AVI_LOGV("%s", text);
 }
 
 void dumpStreamInfo(const TrackInfo& info, TrackDump* dump) {
