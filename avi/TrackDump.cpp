@@ -26,7 +26,7 @@ void TrackDump::line(const char* format, ...) {
     char text[1024];  // the log cuts longer lines all the same
     va_list arguments;
     va_start(arguments, format);
-    vsnprintf(text, sizeof(text), format, arguments);
+    vsnprintf(text, sizeof(text), format, arguments);  // NOLINT: started above
     va_end(arguments);
     AVI_LOGV("%s", text);
 }
