@@ -63,9 +63,8 @@ class RuvoAVISource : public MediaTrackHelper {
     // What a seek of this call asked for and led to.
     struct Seek {
         bool requested = false;
-        int64_t timeUs = 0;  // where reading resumes
-        int64_t targetUs =
-            -1;  // of the frame that was asked for, where it is not the landing frame
+        int64_t timeUs = 0;     // where reading resumes
+        int64_t targetUs = -1;  // of the frame that was asked for, where the mode tells one
     };
 
     // source/RuvoAVISource.cpp
