@@ -16,6 +16,14 @@ else()
     set(AVI_DEATH_TEST_STYLE threadsafe)
 endif()
 
+# What every test program includes is compiled once for all of them, as part of a program of its own
+# that nobody runs: whoever reuses it has to be built with the same flags.
+add_executable(avi_test_header ${CMAKE_CURRENT_LIST_DIR}/PrecompiledTestHeader.cpp)
+target_link_libraries(avi_test_header PRIVATE gmock gtest_main)
+target_compile_options(avi_test_header PRIVATE -O1)
+target_precompile_headers(avi_test_header PRIVATE
+    <gmock/gmock.h> <gtest/gtest.h> <cstdint> <functional> <memory> <optional> <string> <vector>)
+
 # avi_add_test(NAME SOURCES... [LIBS...] [SPAWNS]): one test program, its cases registered with ctest
 # when the suite runs, so that a cross build does not need the emulator. SPAWNS: it executes other
 # programs of this build. A test leaves GoogleTest's death_test_style as it finds it.
@@ -25,8 +33,7 @@ function(avi_add_test name)
     target_link_libraries(${name} PRIVATE ${arg_LIBS} gmock gtest_main)
     # What is tested is optimised, the tests themselves need to be built quickly.
     target_compile_options(${name} PRIVATE -O1)
-    target_precompile_headers(${name} PRIVATE
-        <gmock/gmock.h> <gtest/gtest.h> <cstdint> <functional> <memory> <optional> <string> <vector>)
+    target_precompile_headers(${name} REUSE_FROM avi_test_header)
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
     if(arg_SPAWNS AND AVI_SPAWNING_EMULATOR)
         set_target_properties(${name} PROPERTIES
