@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // The bar that shows how far the tool is: on a terminal only, and gone in the end.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <pty.h>
+#include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -51,6 +53,16 @@ class Progress : public ExtractFixture {
     std::vector<std::string> extraction(const std::string& file) const {
         return {"extract", pathOf(file), "-o", pathOf("out"), "--plugin", SLOW_PLUGIN};
     }
+};
+
+class TerminalProgress : public Progress {
+  protected:
+    // A container may come without /dev/pts.
+    void SetUp() override {
+        const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+        if (terminal < 0) GTEST_SKIP() << "this system offers no terminals";
+        close(terminal);
+    }
     std::string onTerminal(const std::vector<std::string>& arguments) {
         std::vector<std::string> command = splitAt('|', AVITOOL_COMMAND);
         command.insert(command.end(), arguments.begin(), arguments.end());
@@ -58,14 +70,14 @@ class Progress : public ExtractFixture {
     }
 };
 
-TEST_F(Progress, IsABarOnATerminalAfterASecond) {
+TEST_F(TerminalProgress, IsABarAfterASecond) {
     const std::string text = onTerminal(extraction(slow(16)));
     EXPECT_THAT(text, HasSubstr("\rtrack 0 [####################"));
     EXPECT_THAT(text, HasSubstr("] "));
     EXPECT_THAT(text, HasSubstr(" %"));
 }
 
-TEST_F(Progress, IsWipedOutBeforeTheResults) {
+TEST_F(TerminalProgress, IsWipedOutBeforeTheResults) {
     const std::string text = onTerminal(extraction(slow(16)));
     const size_t results = text.find(pathOf("out"));
     ASSERT_NE(results, std::string::npos);
@@ -73,7 +85,7 @@ TEST_F(Progress, IsWipedOutBeforeTheResults) {
     EXPECT_EQ(text.find('%', results), std::string::npos);
 }
 
-TEST_F(Progress, OfAnUnknownDurationIsTheAmount) {
+TEST_F(TerminalProgress, OfAnUnknownDurationIsTheAmount) {
     EXPECT_THAT(onTerminal(extraction(slow(0))), HasSubstr("\rtrack 0 0 MB"));
 }
 
@@ -83,13 +95,13 @@ TEST_F(Progress, IsNotShownInAPipe) {
     EXPECT_EQ(run.err, "");
 }
 
-TEST_F(Progress, IsNotShownAmongTheLinesOfTheLog) {
+TEST_F(TerminalProgress, IsNotShownAmongTheLinesOfTheLog) {
     std::vector<std::string> arguments = extraction(slow(16));
     arguments.insert(arguments.end(), {"--log", "error"});
     EXPECT_EQ(onTerminal(arguments).find('%'), std::string::npos);
 }
 
-TEST_F(Progress, IsNotShownForShortWork) {
+TEST_F(TerminalProgress, IsNotShownForShortWork) {
     write("clip.avi", smallFile().build());
     const std::string text = onTerminal({"extract", pathOf("clip.avi"), "-o", pathOf("out")});
     EXPECT_EQ(text.find('%'), std::string::npos);
