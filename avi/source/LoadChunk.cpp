@@ -16,6 +16,10 @@
 
 namespace android {
 
+// Units of a sample that are told of one by one: no encoder makes so many, but a sample of zeros
+// has one a byte, and logging them all would stall the player.
+static constexpr unsigned kLoggedUnits = 1000;
+
 // Fills mBuffer and sets its range.
 media_status_t RuvoAVISource::loadChunk(Chunk* chunk) {
     size_t insertedBytes = 0;
@@ -86,10 +90,12 @@ size_t RuvoAVISource::convertLengthPrefixed(const Chunk& chunk, const uint8_t* s
     auto* out = static_cast<uint8_t*>(mBuffer->data());
     size_t dstOffset = 0;
     unsigned number = 1;
+    unsigned logged = 0;
     PrefixedNal unit;
     PrefixedNalReader units(sample, chunk.size, static_cast<size_t>(mInfo.mAVCSizeLength));
     while (units.next(&unit)) {
-        if (isEnableLogOutput()) {
+        if (logged < kLoggedUnits && isEnableLogOutput()) {
+            ++logged;
             logNal(ANDROID_LOG_DEBUG, chunk, sample, unit, number,
                    unit.isWhole ? "GOOD NAL" : "MALFORMED");
         }

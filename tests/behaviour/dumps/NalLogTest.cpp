@@ -109,6 +109,18 @@ TEST_F(NalLog, VerboseLogTellsOfAllUnits) {
     EXPECT_THAT(linesWith(" LenOff "), SizeIs(20));
 }
 
+// Zeros behind prefixes of one byte are empty units. A cut one behind them is an error all the
+// same.
+TEST_F(NalLog, ThousandUnitsOfASampleAreEnough) {
+    Bytes zeros(5000);
+    zeros.push_back(9);
+    openStream(lengthPrefixedStream(1), {zeros});
+    readAll(0);
+    EXPECT_EQ(1000u, mLog.count("GOOD NAL"));
+    EXPECT_EQ(1u, mLog.count("MALFORMED"));
+    EXPECT_EQ(1u, mLog.count("MALFORMED!!!"));
+}
+
 TEST_F(NalLog, CutUnitsAreErrorsWhateverIsLogged) {
     openStream(lengthPrefixedStream(4), std::vector<Bytes>(20, {0, 0, 0, 9, 0x41}));
     readAll(0);
