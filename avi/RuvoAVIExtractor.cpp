@@ -191,7 +191,7 @@ status_t RuvoAVIExtractor::readBuffer(int64_t offset, size_t size, sp<ABuffer>* 
 }
 
 status_t RuvoAVIExtractor::readSample(const Track& track, size_t i, sp<ABuffer>* out) const {
-    return readBuffer(track.mTable.mSampleOffsets[i], chunkSize(track, i), out);
+    return readBuffer(track.mTable.offset(i), track.mTable.chunkSize(i), out);
 }
 
 }  // namespace android

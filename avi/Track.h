@@ -16,18 +16,11 @@
 #include <atomic>
 #include <mutex>
 
-#include "support/Arithmetic.h"
+#include "SampleTable.h"
 #include "support/FourCC.h"
 #include "support/MediaFormat.h"
 
 namespace android {
-
-// One index entry, as every index reader hands it to addSample().
-struct RuvoAVISample {
-    int64_t offset;        // of the chunk's data in the file, past its 8-byte header
-    uint32_t size;         // of the chunk's data
-    uint8_t isSyncSample;  // 1 for a key sample, else 0
-};
 
 // The header of an OpenDML index chunk.
 // u16 longsPerEntry | u8 indexSubType | u8 indexType | u32 entriesInUse | fourcc chunkId |
@@ -50,34 +43,6 @@ struct RuvoAVISeekTime : public RefBase {
     std::atomic<int64_t> mSeekTimeUs{-1};  // -1: no seek pending
 };
 
-// The sample table: one entry a chunk, in parallel vectors. Where the stream header announces a
-// sample size, mSampleSizes holds running totals instead of sizes: entry i counts the bytes of
-// chunks 0 to i (modulo 2^32), so that a byte position is found by bisection.
-struct SampleTable {
-    Vector<int64_t> mSampleOffsets;     // of the chunk's data in the file
-    Vector<int32_t> mSampleSizes;       // size or running total
-    Vector<int8_t> mSampleSyncs;        // key flags, video only
-    Vector<int32_t> mSampleBlockSizes;  // running totals of audio blocks, block mode only
-
-    size_t size() const { return mSampleSizes.size(); }
-
-    // Key flag of sample i: 0, 1, or negative for one that its data confirmed; 0 where the track
-    // has no flags.
-    int8_t syncFlag(size_t i) const {
-        return i < mSampleSyncs.size() ? mSampleSyncs[i] : int8_t{0};
-    }
-
-    // Bytes of the stream before chunk i; 0 in a table of sizes. REQUIRES: i < size().
-    uint32_t bytesBefore(size_t i, bool runningTotals) const {
-        return runningTotals && i > 0 ? static_cast<uint32_t>(mSampleSizes[i - 1]) : 0;
-    }
-
-    // Size of chunk i. REQUIRES: i < size().
-    uint32_t chunkSize(size_t i, bool runningTotals) const {
-        return wrapSub32(static_cast<uint32_t>(mSampleSizes[i]), bytesBefore(i, runningTotals));
-    }
-};
-
 // What a source needs to know of its stream. Names as in the stream header (strh) and the stream
 // format (strf) they come from.
 struct TrackInfo {
@@ -87,7 +52,7 @@ struct TrackInfo {
     FourCC mFccType{};
     FourCC mCompression{};
     uint32_t mBlockAlign = 0;
-    uint32_t mSampleSize = 0;  // non-zero: the table holds running totals; 0 for video
+    uint32_t mSampleSize = 0;  // non-zero: the stream counts bytes; 0 for video
     uint32_t mBitsPerSample = 0;
     uint32_t mAvgBytesPerSec = 0;
     uint32_t mMP3Header = 0;         // first MPEG-audio frame header of the stream
@@ -150,10 +115,5 @@ constexpr int32_t kStartCodes = 1;
 
 // The track's MIME type, valid until it is asked for again. Every track has one: aborts otherwise.
 const char* trackMime(const Track& track);
-
-// Size in bytes of chunk i. REQUIRES: i < track.mTable.size().
-inline uint32_t chunkSize(const Track& track, size_t i) {
-    return track.mTable.chunkSize(i, track.info.mSampleSize != 0);
-}
 
 }  // namespace android

@@ -66,10 +66,10 @@ void dumpSamples(const Track& track, TrackDump* dump) {
     dump->line("    mMaxSampleSize     %u", track.mMaxSampleSize);
     dump->line("    mMaxSyncSampleSize %u", track.mMaxSyncSampleSize);
     dump->line("    mThumbNailIndex    %u", track.mThumbNailIndex);
-    dump->line("    mSampleOffsets.size    %zu", track.mTable.mSampleOffsets.size());
-    dump->line("    mSampleSizes.size      %zu", track.mTable.mSampleSizes.size());
-    dump->line("    mSampleSyncs.size      %zu", track.mTable.mSampleSyncs.size());
-    dump->line("    mSampleBlockSizes.size %zu", track.mTable.mSampleBlockSizes.size());
+    dump->line("    mSampleOffsets.size    %zu", track.mTable.size());
+    dump->line("    mSampleSizes.size      %zu", track.mTable.size());
+    dump->line("    mSampleSyncs.size      %zu", track.mTable.syncFlags());
+    dump->line("    mSampleBlockSizes.size %zu", track.mTable.blockTotals());
 }
 
 void dumpKind(const Track& track, TrackDump* dump) {

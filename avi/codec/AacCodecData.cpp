@@ -75,8 +75,8 @@ void RuvoAVIExtractor::generateAACCodecData(Track* track) {
         if (!readAdtsProbe(*track, i, &header)) continue;
         AVI_LOGV("%s(): AAC sample-%u, header %02X %02X %02X %02X size %d @%llx",
                  "generateAACCodecData", static_cast<unsigned>(i), header[0], header[1], header[2],
-                 header[3], static_cast<int>(chunkSize(*track, i)),
-                 ull(track->mTable.mSampleOffsets[i]));
+                 header[3], static_cast<int>(track->mTable.chunkSize(i)),
+                 ull(track->mTable.offset(i)));
     }
 }
 

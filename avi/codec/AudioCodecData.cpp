@@ -21,6 +21,12 @@ void publishBlockAlign(AMediaFormat* meta, uint32_t blockAlign) {
     AMediaFormat_setBuffer(meta, AMEDIAFORMAT_KEY_CSD_0, bytes, sizeof(bytes));
 }
 
+// Sources time ADPCM by its blocks, whatever the stream header says: they need running totals.
+void configureAdpcm(Track* track) {
+    if (track->info.mBlockAlign != 0) track->mTable.makeRunningTotals();
+    publishBlockAlign(track->meta.get(), track->info.mBlockAlign);
+}
+
 }  // namespace
 
 void RuvoAVIExtractor::generateAudioCodecData(Track* track) {
@@ -42,7 +48,7 @@ void RuvoAVIExtractor::generateAudioCodecData(Track* track) {
         generateDtsCodecData(track);
     } else if (isMime(mime, MEDIA_MIMETYPE_AUDIO_MS_ADPCM) ||
                isMime(mime, MEDIA_MIMETYPE_AUDIO_DVI_IMA_ADPCM)) {
-        publishBlockAlign(track->meta.get(), track->info.mBlockAlign);
+        configureAdpcm(track);
     }
 }
 

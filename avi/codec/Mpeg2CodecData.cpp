@@ -33,8 +33,7 @@ void RuvoAVIExtractor::generateMPEG2CodecData(Track* track) {
         return;
     }
     AVI_LOGV("Make ESDS for MPEG2 from the first frame (sz %d, off %llx)",
-             static_cast<int>(sample->size()),
-             ull(static_cast<uint64_t>(track->mTable.mSampleOffsets[0])));
+             static_cast<int>(sample->size()), ull(static_cast<uint64_t>(track->mTable.offset(0))));
     const size_t length = sequenceHeaderLength(sample);
     const sp<ABuffer> esds =
         length == 0 ? nullptr : makeEsds(sample->data(), length, DescriptorLength::kTwoBytes);

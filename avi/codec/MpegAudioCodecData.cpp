@@ -68,7 +68,7 @@ void RuvoAVIExtractor::generateMPEGCodecData(Track* track) {
     // chunk is left to the frame cutter.
     info->mInvalidSampleIdx = static_cast<uint32_t>(start.sampleIndex);
     for (size_t i = 0; i < start.sampleIndex; ++i) {
-        info->mInvalidDataSize = wrapAdd32(info->mInvalidDataSize, chunkSize(*track, i));
+        info->mInvalidDataSize = wrapAdd32(info->mInvalidDataSize, track->mTable.chunkSize(i));
     }
     info->mIsExcludingInvalidData = true;
 
@@ -84,15 +84,15 @@ void RuvoAVIExtractor::generateMPEGCodecData(Track* track) {
 void RuvoAVIExtractor::enableBlockMode(Track* track, uint32_t samplesPerFrame) {
     TrackInfo* info = &track->info;
     const uint32_t align = info->mBlockAlign;
-    const uint32_t firstSize = chunkSize(*track, 0);
+    const uint32_t firstSize = track->mTable.chunkSize(0);
     const bool isBlocked = info->mInvalidSampleIdx >= 1 && align >= 1 && align == samplesPerFrame &&
                            firstSize >= 1 && firstSize % align == 0;
     if (!isBlocked) return;
     uint32_t blocks = 0;
     for (size_t i = 0; i < track->mTable.size(); ++i) {
-        const uint32_t size = chunkSize(*track, i);
+        const uint32_t size = track->mTable.chunkSize(i);
         blocks = wrapAdd32(blocks, size / align + (size % align != 0 ? 1 : 0));
-        track->mTable.mSampleBlockSizes.push_back(static_cast<int32_t>(blocks));
+        track->mTable.addBlockTotal(blocks);
     }
     info->mBlockMode = true;
     AVI_LOGW("%s(): Enable block mode align %d total %d", "generateMPEGCodecData",
@@ -108,7 +108,7 @@ status_t RuvoAVIExtractor::findMP3Header(const Track& track, MpegAudioStart* out
             AVI_LOG_FAILURE("findMP3Header", ERROR_IO, __LINE__);
             return ERROR_IO;
         }
-        logProbedSample(sample, i, track.mTable.mSampleOffsets[i]);
+        logProbedSample(sample, i, track.mTable.offset(i));
         const MpegAudioProbe probe = {i, sample->data(), sample->size(),
                                       i + 1 == track.mTable.size()};
         const status_t err = findMP3HeaderIn(track, probe, out);
@@ -119,7 +119,7 @@ status_t RuvoAVIExtractor::findMP3Header(const Track& track, MpegAudioStart* out
 
 status_t RuvoAVIExtractor::findMP3HeaderIn(const Track& track, const MpegAudioProbe& probe,
                                            MpegAudioStart* out) const {
-    const int64_t fileOffset = track.mTable.mSampleOffsets[probe.index];
+    const int64_t fileOffset = track.mTable.offset(probe.index);
     for (size_t p = 0; p + kMpegAudioHeaderSize <= probe.size; ++p) {
         const uint32_t candidate = U32_AT(probe.data + p);
         size_t frameSize = 0;
@@ -154,10 +154,10 @@ status_t RuvoAVIExtractor::readSuccessor(const Track& track, const MpegAudioProb
     memcpy(bytes, probe.data + (inside > 0 ? position : 0), inside);
     const size_t missing = sizeof(bytes) - inside;
     const size_t following = probe.index + 1;
-    if (missing > 0 && chunkSize(track, following) < missing) {
+    if (missing > 0 && track.mTable.chunkSize(following) < missing) {
         bytes[0] = 0;
     } else if (missing > 0 &&
-               !readExactly(track.mTable.mSampleOffsets[following], bytes + inside, missing)) {
+               !readExactly(track.mTable.offset(following), bytes + inside, missing)) {
         AVI_LOG_FAILURE("findMP3Header", ERROR_IO, __LINE__);
         return ERROR_IO;
     }

@@ -42,9 +42,9 @@ void RuvoAVIExtractor::generatePCMCodecData(Track* track) {
     AMediaFormat* meta = track->meta.get();
     const size_t probed = std::min(track->mTable.size(), kMaxProbedSamples);
     for (size_t i = 0; i < probed; ++i) {
-        const size_t size = std::max<size_t>(chunkSize(*track, i), kMinProbedBytes);
+        const size_t size = std::max<size_t>(track->mTable.chunkSize(i), kMinProbedBytes);
         sp<ABuffer> sample;
-        if (readBuffer(track->mTable.mSampleOffsets[i], size, &sample) != OK) continue;
+        if (readBuffer(track->mTable.offset(i), size, &sample) != OK) continue;
         const uint8_t* data = sample->data();
         hexDump(data, kMinProbedBytes);
         if (isDtsSync(data)) {

@@ -41,10 +41,10 @@ void RuvoAVIExtractor::probeAvcFraming(Track* track) {
     static constexpr uint8_t kStartCode[] = {0, 0, 0, 1};
     const SampleTable& table = track->mTable;
     for (size_t i = 0; i < table.size(); ++i) {
-        const bool isKeySample = table.mSampleSyncs[i] == 1;
-        if (isKeySample || table.chunkSize(i, false) < kMinProbedSize) continue;
+        const bool isKeySample = table.syncFlag(i) == 1;
+        if (isKeySample || table.chunkSize(i) < kMinProbedSize) continue;
         uint8_t bytes[sizeof(kStartCode)];
-        if (!readExactly(table.mSampleOffsets[i], bytes, sizeof(bytes))) continue;
+        if (!readExactly(table.offset(i), bytes, sizeof(bytes))) continue;
         AVI_LOGW("%s(): Start code + NALU style H264 from sample %zu", "generateVideoCodecData", i);
         const bool startCodes = memcmp(bytes, kStartCode, sizeof(bytes)) == 0;
         track->info.mAVCStyle = startCodes ? kStartCodes : kLengthPrefixes;

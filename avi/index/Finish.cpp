@@ -22,7 +22,8 @@ constexpr int64_t kMaxAudioOverhangUs = 500000;
 
 // Bytes of a stream whose header counts in bytes: by header or by table, whichever is more.
 uint32_t byteTimedTotal(const Track& track) {
-    return std::max(track.mTotalSamples, static_cast<uint32_t>(track.mTable.mSampleSizes.top()));
+    const SampleTable& table = track.mTable;
+    return std::max(track.mTotalSamples, table.bytesThrough(table.size() - 1));
 }
 
 uint32_t bytesPerSecond(const TrackInfo& info) {
@@ -35,8 +36,8 @@ uint32_t bytesPerSecond(const TrackInfo& info) {
 int64_t audioDurationUs(const Track& track) {
     const TrackInfo& info = track.info;
     if (info.mBlockMode) {
-        const uint32_t blocks = static_cast<uint32_t>(track.mTable.mSampleBlockSizes.top());
-        return unitsToUs(blocks, info.mScale, info.mRate);
+        const int32_t blocks = track.mTable.blocksThrough(track.mTable.size() - 1);
+        return unitsToUs(static_cast<uint32_t>(blocks), info.mScale, info.mRate);
     }
     if (info.mSampleSize == 1) return unitsToUs(byteTimedTotal(track), info.mScale, info.mRate);
     if (info.mSampleSize > 1) {
@@ -61,11 +62,11 @@ bool publishesBitRate(const char* mime) {
 // True for raw AAC whose first two chunks differ in size: it is stored one frame a chunk, and timed
 // by counting them.
 bool isVbrWise(const Track& track) {
-    const Vector<int32_t>& sizes = track.mTable.mSampleSizes;
+    const SampleTable& table = track.mTable;
     if (track.info.mAvgBytesPerSec == 0 || !track.info.mIsRawAACData) return false;
-    for (size_t i = 0; i + 1 < sizes.size(); ++i) {
-        const auto a = static_cast<uint32_t>(sizes[i]);
-        const auto c = static_cast<uint32_t>(sizes[i + 1]);
+    for (size_t i = 0; i + 1 < table.size(); ++i) {
+        const uint32_t a = table.chunkSize(i);
+        const uint32_t c = table.chunkSize(i + 1);
         if (a != 0 && c != 0) return a % c != 0 || c % a != 0;
     }
     return false;
@@ -74,7 +75,7 @@ bool isVbrWise(const Track& track) {
 void logTable(const Track& track, const char* mime, uint32_t totalSize) {
     const TrackInfo& info = track.info;
     AVI_LOGD("[%s] SCNT %zu TTSZ %u BLKM %s TTBLKS %zu", mime, track.mTable.size(), totalSize,
-             info.mBlockMode ? "true" : "false", track.mTable.mSampleBlockSizes.size());
+             info.mBlockMode ? "true" : "false", track.mTable.blockTotals());
     AVI_LOGD("[%s] S %u R %u SSZ %u BLKA %u BPS %u SPS %u AVGBPS %u", mime, info.mScale, info.mRate,
              info.mSampleSize, info.mBlockAlign, info.mBitsPerSample, info.mSamplesPerSec,
              info.mAvgBytesPerSec);

@@ -216,15 +216,15 @@ bool RuvoAVIExtractor::hasIndexEntriesLeft() {
 void RuvoAVIExtractor::logChunkIndexEnd(const RuvoAVIIndexChunk& header, uint32_t added,
                                         int64_t position) {
     const SampleTable& table = mCurrentTrack->mTable;
-    const bool isEmpty = table.size() == 0;
+    const bool isEmpty = table.isEmpty();
+    const size_t last = isEmpty ? 0 : table.size() - 1;
     const char* mime = nullptr;
     AVI_CHECK_TEXT(AMediaFormat_getString(mCurrentTrack->meta.get(), AMEDIAFORMAT_KEY_MIME, &mime),
                    "AMediaFormat_getString(mLastTrack->meta, AMEDIAFORMAT_KEY_MIME, &mime)");
-    AVI_LOGD("[%s] sample[%zu] (baseOff %llX/%llX, size %d, sync %d]) @line%d", mime,
-             table.mSampleOffsets.size(), ull(baseOffset(header)),
-             ull(isEmpty ? 0 : static_cast<uint64_t>(table.mSampleOffsets.top())),
-             isEmpty ? 0 : table.mSampleSizes.top(),
-             table.mSampleSyncs.isEmpty() ? 0 : table.mSampleSyncs.top(), __LINE__);
+    AVI_LOGD("[%s] sample[%zu] (baseOff %llX/%llX, size %d, sync %d]) @line%d", mime, table.size(),
+             ull(baseOffset(header)), ull(isEmpty ? 0 : static_cast<uint64_t>(table.offset(last))),
+             isEmpty ? 0 : static_cast<int>(table.chunkSize(last)),
+             isEmpty ? 0 : table.syncFlag(last), __LINE__);
     AVI_LOGD("end %s() (%d samples added) @%llX...\n", "parseChunkIndex", static_cast<int>(added),
              ull(static_cast<uint64_t>(position)));
 }

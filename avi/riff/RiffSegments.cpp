@@ -198,7 +198,7 @@ void RuvoAVIExtractor::completeFirstIndex() {
 bool RuvoAVIExtractor::videoFullyIndexed() const {
     for (const Track& track : mTracks) {
         if (!track.mIsVideo) continue;
-        const size_t indexed = track.mTable.mSampleOffsets.size();
+        const size_t indexed = track.mTable.size();
         if (indexed >= track.mTotalSamples) {
             AVI_LOGD("%s(): All frames have been indexed. No need to parse other riff(s).",
                      "parseFirstRIFF");

@@ -18,9 +18,9 @@ FrameType RuvoAVISource::getFrameType(const uint8_t* data, size_t size) const {
 // Types frame i by its first bytes; false when they cannot be read.
 bool RuvoAVISource::probeFrame(size_t i, FrameType* type) const {
     uint8_t bytes[256];
-    const uint32_t chunkSize = mTable->chunkSize(i, mInfo.mSampleSize != 0);
+    const uint32_t chunkSize = mTable->chunkSize(i);
     const size_t size = std::min<size_t>(chunkSize, sizeof(bytes));
-    const ssize_t got = mDataSource->readAt(mTable->mSampleOffsets[i], bytes, size);
+    const ssize_t got = mDataSource->readAt(mTable->offset(i), bytes, size);
     if (got != static_cast<ssize_t>(size)) return false;
     *type = getFrameType(bytes, size);
     return true;

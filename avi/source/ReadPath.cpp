@@ -52,16 +52,16 @@ media_status_t RuvoAVISource::loadNextChunk(Chunk* chunk) {
 
 // Takes the next chunk off the table. Empty chunks are skipped, but for streams that count bytes.
 bool RuvoAVISource::nextChunk(Chunk* out) {
-    const bool runningTotals = mInfo.mSampleSize != 0;
+    const bool countsBytes = mInfo.mSampleSize != 0;
     while (mCurrentSampleIndex < mTable->size()) {
         const size_t i = mCurrentSampleIndex++;
         out->isLoaded = true;
         out->index = i;
-        out->offset = mTable->mSampleOffsets[i];
-        out->size = mTable->chunkSize(i, runningTotals);
-        out->bytesBefore = mTable->bytesBefore(i, runningTotals);
-        out->isSync = mIsVideo && !runningTotals && mTable->syncFlag(i) != 0;
-        if (out->size != 0 || runningTotals) return true;
+        out->offset = mTable->offset(i);
+        out->size = mTable->chunkSize(i);
+        out->bytesBefore = mTable->bytesBefore(i);
+        out->isSync = mIsVideo && !countsBytes && mTable->syncFlag(i) != 0;
+        if (out->size != 0 || countsBytes) return true;
     }
     return false;
 }

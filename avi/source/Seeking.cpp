@@ -15,9 +15,6 @@ namespace android {
 
 namespace {
 
-// A key flag confirmed by the frame's own data; negative as a signed byte, 129 as an unsigned one.
-constexpr int8_t kConfirmedSync = -127;
-
 constexpr int64_t kNoSeekTime = -1;
 
 long long wholeSeconds(int64_t timeUs) {
@@ -136,11 +133,11 @@ bool RuvoAVISource::landsOn(int32_t i, const char* label) {
 
 // Corrects the key flag of a sample by its data; the table keeps what was found.
 bool RuvoAVISource::fixSyncSample(size_t i) {
-    const bool isEmpty = mTable->chunkSize(i, mInfo.mSampleSize != 0) == 0;
+    const bool isEmpty = mTable->chunkSize(i) == 0;
     FrameType type = FrameType::kUnknown;
     const bool isSync = !isEmpty && probeFrame(i, &type) && isSyncFrame(type);
     if (isSync) AVI_TRACE("fixSyncSample at %d", static_cast<int>(i));
-    mTable->mSampleSyncs.editItemAt(i) = isSync ? kConfirmedSync : 0;
+    mTable->correctSyncFlag(i, isSync);
     return isSync;
 }
 
@@ -153,10 +150,10 @@ bool RuvoAVISource::isSyncFrame(FrameType type) {
 status_t RuvoAVISource::seekBlocks(int64_t timeUs, int32_t* index) {
     const int32_t blocks = unitAtTime(timeUs, mInfo.mScale, mInfo.mRate);
     AVI_LOGD("[%s] Calculated seekBlocks %d @seekTime %lldus", mMime.c_str(), blocks, ll(timeUs));
-    const Vector<int32_t>& totals = mTable->mSampleBlockSizes;
-    const size_t k = firstBeyond(mTable->size(), blocks, [&](size_t i) { return totals[i]; });
+    const size_t k =
+        firstBeyond(mTable->size(), blocks, [this](size_t i) { return mTable->blocksThrough(i); });
     if (k >= mTable->size()) return beyondEnd(__LINE__);
-    const auto before = static_cast<uint32_t>(k == 0 ? 0 : totals[k - 1]);
+    const auto before = static_cast<uint32_t>(k == 0 ? 0 : mTable->blocksThrough(k - 1));
     mChunkConsumed = wrapMul32(mInfo.mBlockAlign, wrapSub32(static_cast<uint32_t>(blocks), before));
     AVI_LOGD("[%s] seek blocks %d block offset %x", mMime.c_str(), blocks, mChunkConsumed);
     *index = static_cast<int32_t>(k);
@@ -183,7 +180,7 @@ status_t RuvoAVISource::seekAudio(int64_t timeUs, int32_t* index) {
 // The chunk that holds the time, by the running totals of the table.
 size_t RuvoAVISource::seekBytes(int64_t timeUs) const {
     return firstBeyond(mTable->size(), timeUs, [&](size_t i) {
-        const int64_t endUs = byteTimeUs(static_cast<uint32_t>(mTable->mSampleSizes[i]));
+        const int64_t endUs = byteTimeUs(mTable->bytesThrough(i));
         if (endUs > timeUs) {
             AVI_LOGD("[%s] seekTo index %d/%lld nearby seekTime %lldus @L%d", mMime.c_str(),
                      static_cast<int>(i), ll(endUs), ll(timeUs), __LINE__);

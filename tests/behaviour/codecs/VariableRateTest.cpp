@@ -37,6 +37,12 @@ TEST_F(VariableRate, OneSizeThatDividesTheOtherIsNotEnough) {
     EXPECT_EQ(kindOf({742, 371}), mVariable);
 }
 
+TEST_F(VariableRate, OfATableOfTotalsTheSizesAreCompared) {
+    mStream.header.sampleSize = 1;
+    EXPECT_EQ(kindOf({371, 371}), mConstant);
+    EXPECT_EQ(kindOf({371, 380}), mVariable);
+}
+
 TEST_F(VariableRate, EmptyChunksAreNotCounted) {
     EXPECT_EQ(kindOf({0, 371, 371}), mConstant);
     EXPECT_EQ(kindOf({0, 371, 0, 380}), mVariable);

@@ -115,7 +115,7 @@ TEST_F(IndexLog, EndOfAnEmptyIndexTellsZeros) {
     EXPECT_EQ(1u, countOf(ANDROID_LOG_DEBUG, "end parseChunkIndex() (0 samples added) @"));
 }
 
-TEST_F(IndexLog, EndOfAnAudioIndexTellsTheRunningTotalAndNoKeyFlag) {
+TEST_F(IndexLog, EndOfAnAudioIndexShowsTheLastSizeAndNoKeyFlag) {
     AviFile avi = twoStreamFile();
     avi.segment().index.copies = 0;
     avi.stream(0).openDml = OpenDml::kStandard;
@@ -123,7 +123,7 @@ TEST_F(IndexLog, EndOfAnAudioIndexTellsTheRunningTotalAndNoKeyFlag) {
     openFile(avi.build());
     const std::string mime = mimeOf(1);
     EXPECT_EQ(1u, countOf(ANDROID_LOG_DEBUG, "[" + mime + "] sample[2] (baseOff "));
-    EXPECT_EQ(1u, countOf(ANDROID_LOG_DEBUG, ", size 88, sync 0]) @line"));
+    EXPECT_EQ(1u, countOf(ANDROID_LOG_DEBUG, ", size 48, sync 0]) @line"));
 }
 
 TEST_F(IndexLog, ExtractLogPrintsTheHeaders) {

@@ -165,18 +165,5 @@ TEST_F(SourceStart, AdpcmTakesItsBlockAsSampleSize) {
     }
 }
 
-// The block size stands in for the missing sample size, so the table of sizes counts as totals: a
-// total that does not grow is an empty chunk, and one that shrinks a chunk beyond the file.
-TEST_F(SourceStart, AdpcmWithoutSampleSizeEndsWhereItsTableShrinks) {
-    Stream stream = audioStream(0x02, 1, 8000, 4000, 32, 4);
-    stream.header.sampleSize = 0;
-    openStream(stream, {patternBytes(64), patternBytes(64), patternBytes(32), patternBytes(96)});
-
-    const std::vector<Sample> samples = readAll(0);
-    ASSERT_EQ(samples.size(), 2u);
-    EXPECT_EQ(samples[0].bytes, patternBytes(64));
-    EXPECT_EQ(samples[1].bytes.size(), 0u);
-}
-
 }  // namespace
 }  // namespace avitest

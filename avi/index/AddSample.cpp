@@ -31,11 +31,11 @@ bool isTableFull(Track* track, int64_t fileSize) {
 void addSyncFlag(const RuvoAVISample& sample, Track* track) {
     const uint8_t isSyncSample = sample.isSyncSample;
     AVI_CHECK(isSyncSample == 0 || isSyncSample == 1);
-    track->mTable.mSampleSyncs.push_back(static_cast<int8_t>(isSyncSample));
+    track->mTable.addSyncFlag(isSyncSample == 1);
     // The largest key frame makes the best thumbnail: a black frame is small.
     if (isSyncSample == 1 && sample.size > track->mMaxSyncSampleSize) {
         track->mMaxSyncSampleSize = sample.size;
-        track->mThumbNailIndex = static_cast<uint32_t>(track->mTable.mSampleSyncs.size() - 1);
+        track->mThumbNailIndex = static_cast<uint32_t>(track->mTable.size() - 1);
     }
 }
 
@@ -49,20 +49,15 @@ status_t RuvoAVIExtractor::addSample(const RuvoAVISample* sample, Track* track) 
     SampleTable* table = &track->mTable;
     // An empty video chunk is a dropped frame and takes a frame's time, but nothing can be shown
     // before the first real one. Empty audio chunks take no time.
-    if (sample->size == 0 && (!track->mIsVideo || table->mSampleSizes.isEmpty())) return OK;
+    if (sample->size == 0 && (!track->mIsVideo || table->isEmpty())) return OK;
     if (isTableFull(track, mFileSize)) return OK;
 
-    table->mSampleOffsets.push_back(sample->offset);
+    table->add(*sample, track->info.mSampleSize != 0 ? SampleTable::Sizes::kRunningTotals
+                                                     : SampleTable::Sizes::kOfChunks);
     track->mMaxSampleSize = std::max(track->mMaxSampleSize, sample->size);
     track->mTotalSampleSize += sample->size;
     track->mTotalSyncSamples += sample->isSyncSample;
     if (track->mIsVideo) addSyncFlag(*sample, track);
-
-    uint32_t entry = sample->size;
-    if (track->info.mSampleSize != 0 && !table->mSampleSizes.isEmpty()) {
-        entry = wrapAdd32(static_cast<uint32_t>(table->mSampleSizes.top()), sample->size);
-    }
-    table->mSampleSizes.push_back(static_cast<int32_t>(entry));
     if (track->mIsVideo && table->size() == kSamplesBeforeCodecData) generateVideoCodecData(track);
     return OK;
 }
@@ -87,9 +82,7 @@ status_t RuvoAVIExtractor::clearSamples(Track* track) {
         AVI_LOG_FAILURE("clearSamples", ERROR_MALFORMED, __LINE__);
         return ERROR_MALFORMED;
     }
-    track->mTable.mSampleSyncs.clear();
-    track->mTable.mSampleSizes.clear();
-    track->mTable.mSampleOffsets.clear();
+    track->mTable.clear();
     track->mMaxSampleSize = 0;
     track->mMaxSyncSampleSize = 0;
     track->mTotalSampleSize = 0;

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The sample table of a track: one row a chunk, in parallel columns.
+// Invariant: offsets and sizes have one entry a row; key flags too, or none where the track keeps
+// none. The first row settles whether the size column holds sizes or running totals.
+// Threading: rows are added while the file is parsed, before any source exists. Afterwards only key
+// flags change, each read and written as a single value.
+#pragma once
+
+#include <stddef.h>
+#include <stdint.h>
+#include <utils/Vector.h>
+
+#include "support/Arithmetic.h"
+
+namespace android {
+
+// One index entry, as every index reader hands it to addSample().
+struct RuvoAVISample {
+    int64_t offset;        // of the chunk's data in the file, past its 8-byte header
+    uint32_t size;         // of the chunk's data
+    uint8_t isSyncSample;  // 1 for a key sample, else 0
+};
+
+class SampleTable {
+  public:
+    // What the size column holds: the size of each chunk, or the bytes of the stream up to its end
+    // (modulo 2^32), so that a byte position is found by bisection.
+    enum class Sizes { kOfChunks, kRunningTotals };
+
+    size_t size() const { return mSampleSizes.size(); }
+    bool isEmpty() const { return mSampleSizes.isEmpty(); }
+
+    // Appends a row. `sizes` counts for the first row alone, later ones follow it.
+    void add(const RuvoAVISample& sample, Sizes sizes);
+
+    // Appends the key flag of the row that add() appended last: video tracks keep one for each.
+    void addSyncFlag(bool isSync) { mSampleSyncs.push_back(isSync ? int8_t{1} : int8_t{0}); }
+
+    // Appends the audio blocks up to the end of the next row: tracks in block mode keep them.
+    void addBlockTotal(uint32_t blocks) {
+        mSampleBlockSizes.push_back(static_cast<int32_t>(blocks));
+    }
+
+    // Turns sizes into running totals: for streams that are timed by bytes though their header does
+    // not say so.
+    void makeRunningTotals();
+
+    // Forgets all rows but the block totals.
+    void clear();
+
+    // REQUIRES of all below: i < size().
+
+    // Of the chunk's data in the file.
+    int64_t offset(size_t i) const { return mSampleOffsets[i]; }
+
+    // Bytes of the stream before chunk i; 0 in a table of sizes.
+    uint32_t bytesBefore(size_t i) const {
+        return mSizes == Sizes::kRunningTotals && i > 0 ? sizeEntry(i - 1) : 0;
+    }
+
+    uint32_t chunkSize(size_t i) const { return wrapSub32(sizeEntry(i), bytesBefore(i)); }
+
+    // Bytes of the stream up to the end of chunk i. REQUIRES: a table of running totals.
+    uint32_t bytesThrough(size_t i) const { return sizeEntry(i); }
+
+    // Audio blocks up to the end of chunk i. REQUIRES: block mode.
+    int32_t blocksThrough(size_t i) const { return mSampleBlockSizes[i]; }
+
+    // Key flag of chunk i: 0, 1, or kConfirmedSync; 0 where the track keeps none.
+    int8_t syncFlag(size_t i) const {
+        return i < mSampleSyncs.size() ? __atomic_load_n(&mSampleSyncs[i], __ATOMIC_RELAXED) : 0;
+    }
+
+    // A key flag that the frame's own data confirmed; negative, unlike those of an index.
+    static constexpr int8_t kConfirmedSync = -127;
+
+    // Corrects the key flag of chunk i by what its data says. Any thread. REQUIRES: flags are kept.
+    void correctSyncFlag(size_t i, bool isSync);
+
+    size_t syncFlags() const { return mSampleSyncs.size(); }
+    size_t blockTotals() const { return mSampleBlockSizes.size(); }
+
+  private:
+    uint32_t sizeEntry(size_t i) const { return static_cast<uint32_t>(mSampleSizes[i]); }
+
+    Vector<int64_t> mSampleOffsets;
+    Vector<int32_t> mSampleSizes;
+    Vector<int8_t> mSampleSyncs;
+    Vector<int32_t> mSampleBlockSizes;
+    Sizes mSizes = Sizes::kOfChunks;
+};
+
+}  // namespace android
