@@ -4,8 +4,9 @@
 #include <media/MediaExtractorPluginApi.h>
 #include <media/MediaExtractorPluginHelper.h>
 
+#include "ChunkWalker.h"
+#include "FileReader.h"
 #include "RuvoAVIExtractor.h"
-#include "riff/ChunkWalker.h"
 #include "support/Log.h"
 
 namespace android {
@@ -29,9 +30,9 @@ bool isAviForm(FourCC type) {
 CreatorFunc Sniff(CDataSource* source, float* confidence, void** /*meta*/,
                   FreeMetaFunc* /*freeMeta*/) {
     AVI_LOGV("Sniff +");
-    DataSourceHelper helper(source);
+    const FileReader reader(new DataSourceHelper(source));
     ChunkHeader header;
-    const HeaderRead read = readChunkHeader(&helper, 0, &header);
+    const HeaderRead read = readChunkHeader(reader, 0, &header);
     if (read != HeaderRead::kWhole || header.id != fourcc("RIFF") || !isAviForm(header.type)) {
         AVI_LOGV("Sniff - *confidence = 0 @L%d", kLineNotClaimed);
         *confidence = 0.0f;

@@ -24,7 +24,8 @@ constexpr int kLineUnreadableSegment = 4424;
 constexpr uint32_t kAllCapabilities = 255;
 
 RuvoAVIExtractor::RuvoAVIExtractor(DataSourceHelper* source)
-    : mDataSource(source), mCurrentTrack(mTracks.end()) {
+
+    : mReader(source), mCurrentTrack(mTracks.end()) {
     readSwitches();
 }
 
@@ -33,7 +34,6 @@ RuvoAVIExtractor::~RuvoAVIExtractor() {
         AVI_LOGD("delete track %s", AMediaFormat_toString(track.meta.get()));
     }
     mTracks.clear();
-    mDataSource.reset();
     AVI_LOGE("delete file meta %s", AMediaFormat_toString(mFileMeta.get()));
 }
 
@@ -55,7 +55,7 @@ MediaTrackHelper* RuvoAVIExtractor::getTrack(size_t index) {
     Track* track = trackAt(index);
     if (track == nullptr) return nullptr;
     track->info.mIsSubtitle = track->mIsSubtitle;
-    return new RuvoAVISource(track->meta.get(), mDataSource.get(), track->info, &track->mTable,
+    return new RuvoAVISource(track->meta.get(), mReader, track->info, &track->mTable,
                              mAudioSeekTimes, &track->mFormatLock);
 }
 
@@ -120,7 +120,7 @@ status_t RuvoAVIExtractor::readMetaData() {
     }
 
     ChunkHeader header;
-    if (readChunkHeader(mDataSource.get(), 0, &header) != HeaderRead::kWhole) {
+    if (readChunkHeader(mReader, 0, &header) != HeaderRead::kWhole) {
         AVI_LOG_FAILURE("readMetaData", ERROR_IO, kLineUnreadableHeader);
         return ERROR_IO;
     }
@@ -130,11 +130,10 @@ status_t RuvoAVIExtractor::readMetaData() {
         AVI_LOG_FAILURE("readMetaData", ERROR_UNSUPPORTED, kLineNotRiff);
         return ERROR_UNSUPPORTED;
     }
-    off64_t size = 0;
-    mFileSize = mDataSource->getSize(&size) == OK ? size : 0;
-    AVI_LOGD("%s(): mFileSize: %lld.", "readMetaData", ll(mFileSize));
+    mReader.keepSize();
+    AVI_LOGD("%s(): mFileSize: %lld.", "readMetaData", ll(mReader.size()));
 
-    mIndexEntriesLeft = mFileSize / kChunkHeaderSize;
+    mIndexEntriesLeft = mReader.size() / kChunkHeaderSize;
     status_t err = listRiffSegments();
     if (err != OK) return err;
     err = mInitCheck = parseFirstRIFF();
@@ -151,13 +150,13 @@ status_t RuvoAVIExtractor::readMetaData() {
 
 // Finds the RIFF chunks at the top level of the file. There is no padding between them.
 status_t RuvoAVIExtractor::listRiffSegments() {
-    for (int64_t position = 0; position < mFileSize;) {
-        if (mFileSize - position < kListHeaderSize) {
+    for (int64_t position = 0; position < mReader.size();) {
+        if (mReader.size() - position < kListHeaderSize) {
             AVI_LOGW("No more riff.");
             break;
         }
         ChunkHeader header;
-        if (readChunkHeader(mDataSource.get(), position, &header) != HeaderRead::kWhole) {
+        if (readChunkHeader(mReader, position, &header) != HeaderRead::kWhole) {
             mRiffList.clear();
             AVI_LOG_FAILURE("readMetaData", ERROR_IO, kLineUnreadableSegment);
             return ERROR_IO;
@@ -170,28 +169,6 @@ status_t RuvoAVIExtractor::listRiffSegments() {
         position += header.size + kChunkHeaderSize;
     }
     return OK;
-}
-
-bool RuvoAVIExtractor::readExactly(int64_t offset, void* out, size_t size) const {
-    return mDataSource->readAt(offset, out, size) == static_cast<ssize_t>(size);
-}
-
-bool RuvoAVIExtractor::fitsInFile(int64_t offset, size_t size) const {
-    if (offset < 0 || offset > mFileSize) return false;
-    return size <= static_cast<uint64_t>(mFileSize - offset);
-}
-
-status_t RuvoAVIExtractor::readBuffer(int64_t offset, size_t size, sp<ABuffer>* out) const {
-    if (!fitsInFile(offset, size)) return ERROR_IO;
-    sp<ABuffer> buffer = new ABuffer(size);
-    if (buffer->base() == nullptr && size > 0) return NO_MEMORY;
-    if (!readExactly(offset, buffer->data(), size)) return ERROR_IO;
-    *out = buffer;
-    return OK;
-}
-
-status_t RuvoAVIExtractor::readSample(const Track& track, size_t i, sp<ABuffer>* out) const {
-    return readBuffer(track.mTable.offset(i), track.mTable.chunkSize(i), out);
 }
 
 }  // namespace android

@@ -14,9 +14,10 @@
 #include <memory>
 #include <vector>
 
+#include "ChunkWalker.h"
+#include "FileReader.h"
 #include "Track.h"
 #include "codec/AacConfig.h"
-#include "riff/ChunkWalker.h"
 #include "support/MediaFormat.h"
 
 namespace android {
@@ -200,17 +201,7 @@ class RuvoAVIExtractor : public MediaExtractorPluginHelper {
     void publishThumbnailTime(Track* track);
     Track* currentTrack() { return &*mCurrentTrack; }
 
-    // Reads exactly `size` bytes; false when fewer came back.
-    bool readExactly(int64_t offset, void* out, size_t size) const;
-    // True when the file still holds `size` bytes at `offset`: asked before anything is allocated.
-    bool fitsInFile(int64_t offset, size_t size) const;
-    // Reads a payload into a new buffer: ERROR_IO when the file does not hold it, NO_MEMORY.
-    status_t readBuffer(int64_t offset, size_t size, sp<ABuffer>* out) const;
-    // Reads chunk i of a track whole, likewise.
-    status_t readSample(const Track& track, size_t i, sp<ABuffer>* out) const;
-
-    std::unique_ptr<DataSourceHelper> mDataSource;
-    int64_t mFileSize = 0;
+    FileReader mReader;
     status_t mInitCheck = NO_INIT;  // outcome of the first RIFF's parse
     bool mMetaDataRead = false;
 

@@ -9,6 +9,7 @@
 #include "RuvoAVIExtractor.h"
 #include "codec/AacConfig.h"
 #include "codec/Esds.h"
+#include "codec/ReadSample.h"
 #include "support/Check.h"
 #include "support/HexDump.h"
 #include "support/Log.h"
@@ -61,7 +62,7 @@ void reconcileFormat(AMediaFormat* meta, const AacConfig& config, uint32_t waveR
 bool RuvoAVIExtractor::readAdtsProbe(const Track& track, size_t i,
                                      uint8_t (*out)[kAdtsProbeBytes]) const {
     sp<ABuffer> sample;
-    if (readSample(track, i, &sample) != OK) return false;
+    if (readSample(mReader, track, i, &sample) != OK) return false;
     memset(*out, 0, sizeof(*out));
     memcpy(*out, sample->data(), std::min(sample->size(), sizeof(*out)));
     return true;

@@ -9,7 +9,7 @@
 
 #include "RuvoAVIExtractor.h"
 #include "codec/AvcConfig.h"
-#include "codec/FirstSample.h"
+#include "codec/ReadSample.h"
 #include "codec/SequenceParameterSet.h"
 #include "support/HexDump.h"
 #include "support/Log.h"
@@ -87,7 +87,7 @@ void makeAvcConfig(AMediaFormat* meta, const sp<ABuffer>& range) {
 status_t RuvoAVIExtractor::generateAvcCodecData(Track* track) {
     sp<ABuffer> sample;
     logFirstSample("generateAvcCodecData", *track);
-    if (readSample(*track, 0, &sample) != OK) {
+    if (readSample(mReader, *track, 0, &sample) != OK) {
         track->mBadTrack = true;
         AVI_LOG_FAILURE("generateAvcCodecData", ERROR_IO, __LINE__);
         return ERROR_IO;

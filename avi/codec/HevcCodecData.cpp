@@ -4,8 +4,8 @@
 #include <algorithm>
 
 #include "RuvoAVIExtractor.h"
-#include "codec/FirstSample.h"
 #include "codec/HevcConfig.h"
+#include "codec/ReadSample.h"
 #include "support/HexDump.h"
 #include "support/Log.h"
 
@@ -36,7 +36,7 @@ status_t RuvoAVIExtractor::generateHevcCodecData(Track* track) {
     if (hasConfig(meta)) return OK;
     sp<ABuffer> sample;
     logFirstSample("generateHevcCodecData", *track);
-    if (readSample(*track, 0, &sample) != OK) {
+    if (readSample(mReader, *track, 0, &sample) != OK) {
         track->mBadTrack = true;
         AVI_LOG_FAILURE("generateHevcCodecData", ERROR_IO, __LINE__);
         return ERROR_IO;

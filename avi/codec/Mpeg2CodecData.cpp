@@ -7,6 +7,7 @@
 
 #include "RuvoAVIExtractor.h"
 #include "codec/Esds.h"
+#include "codec/ReadSample.h"
 #include "support/HexDump.h"
 #include "support/Log.h"
 
@@ -28,7 +29,7 @@ size_t sequenceHeaderLength(const sp<ABuffer>& sample) {
 
 void RuvoAVIExtractor::generateMPEG2CodecData(Track* track) {
     sp<ABuffer> sample;
-    if (readSample(*track, 0, &sample) != OK) {
+    if (readSample(mReader, *track, 0, &sample) != OK) {
         AVI_LOGW("Something wrong to generateMPEG2CodecData.");
         return;
     }

@@ -10,6 +10,7 @@
 
 #include "RuvoAVIExtractor.h"
 #include "codec/MpegAudioHeader.h"
+#include "codec/ReadSample.h"
 #include "support/Log.h"
 
 namespace android {
@@ -104,7 +105,7 @@ status_t RuvoAVIExtractor::findMP3Header(const Track& track, MpegAudioStart* out
     *out = {};
     for (size_t i = 0; i < track.mTable.size(); ++i) {
         sp<ABuffer> sample;
-        if (readSample(track, i, &sample) != OK) {
+        if (readSample(mReader, track, i, &sample) != OK) {
             AVI_LOG_FAILURE("findMP3Header", ERROR_IO, __LINE__);
             return ERROR_IO;
         }
@@ -157,7 +158,7 @@ status_t RuvoAVIExtractor::readSuccessor(const Track& track, const MpegAudioProb
     if (missing > 0 && track.mTable.chunkSize(following) < missing) {
         bytes[0] = 0;
     } else if (missing > 0 &&
-               !readExactly(track.mTable.offset(following), bytes + inside, missing)) {
+               !mReader.readExactly(track.mTable.offset(following), bytes + inside, missing)) {
         AVI_LOG_FAILURE("findMP3Header", ERROR_IO, __LINE__);
         return ERROR_IO;
     }

@@ -8,6 +8,7 @@
 
 #include "RuvoAVIExtractor.h"
 #include "codec/Dts.h"
+#include "codec/ReadSample.h"
 #include "riff/StreamFormat.h"
 #include "support/HexDump.h"
 #include "support/Log.h"
@@ -44,7 +45,7 @@ void RuvoAVIExtractor::generatePCMCodecData(Track* track) {
     for (size_t i = 0; i < probed; ++i) {
         const size_t size = std::max<size_t>(track->mTable.chunkSize(i), kMinProbedBytes);
         sp<ABuffer> sample;
-        if (readBuffer(track->mTable.offset(i), size, &sample) != OK) continue;
+        if (mReader.readBuffer(track->mTable.offset(i), size, &sample) != OK) continue;
         const uint8_t* data = sample->data();
         hexDump(data, kMinProbedBytes);
         if (isDtsSync(data)) {
@@ -65,7 +66,7 @@ void RuvoAVIExtractor::generateAC3CodecData(Track* track) {
     uint32_t* invalid = &track->info.mInvalidDataSize;
     for (size_t i = 0; i < track->mTable.size(); ++i) {
         sp<ABuffer> sample;
-        if (readSample(*track, i, &sample) != OK) continue;
+        if (readSample(mReader, *track, i, &sample) != OK) continue;
         const size_t syncAt = findAc3SyncWord(sample->data(), sample->size());
         *invalid = wrapAdd32(*invalid, static_cast<uint32_t>(syncAt));
         if (syncAt < sample->size()) break;
@@ -77,7 +78,7 @@ void RuvoAVIExtractor::generateDtsCodecData(Track* track) {
     const size_t probed = std::min(track->mTable.size(), kMaxProbedSamples);
     for (size_t i = 0; i < probed; ++i) {
         sp<ABuffer> sample;
-        if (readSample(*track, i, &sample) != OK) continue;
+        if (readSample(mReader, *track, i, &sample) != OK) continue;
         if (parseDtsMetaData(track->meta.get(), sample) != OK) continue;
         AVI_LOGD("%s(): parseDtsMetaData OK.", "generateDtsCodecData");
         return;

@@ -44,7 +44,7 @@ void RuvoAVIExtractor::probeAvcFraming(Track* track) {
         const bool isKeySample = table.syncFlag(i) == 1;
         if (isKeySample || table.chunkSize(i) < kMinProbedSize) continue;
         uint8_t bytes[sizeof(kStartCode)];
-        if (!readExactly(table.offset(i), bytes, sizeof(bytes))) continue;
+        if (!mReader.readExactly(table.offset(i), bytes, sizeof(bytes))) continue;
         AVI_LOGW("%s(): Start code + NALU style H264 from sample %zu", "generateVideoCodecData", i);
         const bool startCodes = memcmp(bytes, kStartCode, sizeof(bytes)) == 0;
         track->info.mAVCStyle = startCodes ? kStartCodes : kLengthPrefixes;

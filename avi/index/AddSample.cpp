@@ -50,7 +50,7 @@ status_t RuvoAVIExtractor::addSample(const RuvoAVISample* sample, Track* track) 
     // An empty video chunk is a dropped frame and takes a frame's time, but nothing can be shown
     // before the first real one. Empty audio chunks take no time.
     if (sample->size == 0 && (!track->mIsVideo || table->isEmpty())) return OK;
-    if (isTableFull(track, mFileSize)) return OK;
+    if (isTableFull(track, mReader.size())) return OK;
 
     table->add(*sample, track->info.mSampleSize != 0 ? SampleTable::Sizes::kRunningTotals
                                                      : SampleTable::Sizes::kOfChunks);
@@ -69,9 +69,9 @@ Track* RuvoAVIExtractor::trackByStream(uint32_t streamNumber) const {
 status_t RuvoAVIExtractor::addSampleById(uint32_t streamNumber, const RuvoAVISample* sample) {
     Track* track = trackByStream(streamNumber);
     if (track == nullptr) return OK;
-    if (sample->offset >= mFileSize) {
+    if (sample->offset >= mReader.size()) {
         AVI_LOGE("%s(): Sample offset(%lld) exceeds the fileSize(%lld)! @L%d", "addSampleById",
-                 ll(sample->offset), ll(mFileSize), __LINE__);
+                 ll(sample->offset), ll(mReader.size()), __LINE__);
         return OK;
     }
     return addSample(sample, track);

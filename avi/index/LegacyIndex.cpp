@@ -45,9 +45,9 @@ uint32_t streamNumber(FourCC chunkId) {
 }
 
 status_t RuvoAVIExtractor::parseIDX1(int64_t start, int64_t end) {
-    if (mFileSize < end) {
+    if (mReader.size() < end) {
         AVI_LOGW("%s(): Chunked file with wrong idx1(end %lld, fileSize %lld), ignore it!",
-                 "parseIDX1", ll(end), ll(mFileSize));
+                 "parseIDX1", ll(end), ll(mReader.size()));
         return OK;
     }
     if (mHasIndex) {
@@ -63,7 +63,7 @@ status_t RuvoAVIExtractor::parseIDX1(int64_t start, int64_t end) {
         const int64_t count = std::min(kIdx1EntriesPerRead, entries - first);
         uint8_t bytes[kIdx1EntriesPerRead * kIdx1EntrySize];
         const size_t size = static_cast<size_t>(count * kIdx1EntrySize);
-        if (!readExactly(start + first * kIdx1EntrySize, bytes, size)) {
+        if (!mReader.readExactly(start + first * kIdx1EntrySize, bytes, size)) {
             AVI_LOG_FAILURE("parseIDX1", ERROR_IO, __LINE__);
             return ERROR_IO;
         }

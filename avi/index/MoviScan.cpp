@@ -49,11 +49,11 @@ bool isIncomplete(const ChunkWalker& chunk, int64_t end) {
 status_t RuvoAVIExtractor::parseMOVIMore() {
     MoviScanState scan;
     const int64_t start = int64_t{mMoviStart} + kListHeaderSize;
-    const int64_t end = std::min(mFileSize, start + mMoviSize + (mMoviSize & 1));
+    const int64_t end = std::min(mReader.size(), start + mMoviSize + (mMoviSize & 1));
     AVI_LOGV("%s(): setup index from %llX to %llX VS fileSize %llX", "parseMOVIMore",
              ull(static_cast<uint64_t>(start)), ull(static_cast<uint64_t>(end)),
-             ull(static_cast<uint64_t>(mFileSize)));
-    ChunkWalker chunk(mDataSource.get(), start);
+             ull(static_cast<uint64_t>(mReader.size())));
+    ChunkWalker chunk(mReader, start);
     while (chunk.next() < end && !scan.done) {
         const int64_t position = chunk.next();
         const HeaderRead read = chunk.advance();
@@ -99,7 +99,7 @@ void RuvoAVIExtractor::scanChunk(const ChunkWalker& chunk, MoviScanState* scan) 
 // ends the list, not the scan.
 void RuvoAVIExtractor::scanRecordList(const ChunkWalker& list, MoviScanState* scan) {
     scan->emptyHeaders = 0;
-    ChunkWalker chunk(mDataSource.get(), list.listContents());
+    ChunkWalker chunk(mReader, list.listContents());
     while (chunk.next() < list.next()) {
         if (!chunk.advancePlain() || isIncomplete(chunk, list.next())) return;
         const status_t err =

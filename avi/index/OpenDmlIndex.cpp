@@ -79,7 +79,7 @@ status_t failure(const char* function, status_t status, int line) {
 
 bool RuvoAVIExtractor::readIndexHeader(int64_t start, RuvoAVIIndexChunk* out) const {
     uint8_t bytes[kIndexHeaderSize];
-    if (!readExactly(start, bytes, sizeof(bytes))) return false;
+    if (!mReader.readExactly(start, bytes, sizeof(bytes))) return false;
     ByteReader in(bytes, sizeof(bytes));
     in.u16(&out->longsPerEntry);
     in.u8(&out->indexSubType);
@@ -119,7 +119,8 @@ status_t RuvoAVIExtractor::parseSuperIndex(int64_t start, const RuvoAVIIndexChun
     const uint64_t base = baseOffset(header);
     for (uint32_t i = 0; i < header.entriesInUse && hasIndexEntriesLeft(); ++i) {
         uint8_t bytes[kSuperEntrySize];
-        if (!readExactly(start + kIndexHeaderSize + kSuperEntrySize * i, bytes, sizeof(bytes))) {
+        if (!mReader.readExactly(start + kIndexHeaderSize + kSuperEntrySize * i, bytes,
+                                 sizeof(bytes))) {
             return failure("parseINDX", ERROR_IO, __LINE__);
         }
         SuperEntry entry;
@@ -141,10 +142,10 @@ status_t RuvoAVIExtractor::parseSuperIndex(int64_t start, const RuvoAVIIndexChun
 // A standard index chunk of `size` bytes that a super index points at. One that lies behind the end
 // of a cut file is skipped.
 status_t RuvoAVIExtractor::parseStandardIndexAt(uint64_t position, uint32_t size) {
-    const auto fileSize = static_cast<uint64_t>(mFileSize);
+    const auto fileSize = static_cast<uint64_t>(mReader.size());
     if (position > fileSize || fileSize - position < kIndexHeaderSize) {
         AVI_LOGD("parseChunkIndex() to the file end~! pos %lld, fileSize %lld",
-                 static_cast<long long>(position), ll(mFileSize));
+                 static_cast<long long>(position), ll(mReader.size()));
         return OK;
     }
     const auto start = static_cast<int64_t>(position);
@@ -183,7 +184,7 @@ status_t RuvoAVIExtractor::addStandardEntries(int64_t entries, const RuvoAVIInde
         const uint32_t count = std::min(kStandardEntriesPerRead, header.entriesInUse - *added);
         uint8_t bytes[kStandardEntriesPerRead * kStandardEntrySize];
         const auto entrySize = static_cast<size_t>(kStandardEntrySize);
-        if (!readExactly(entries + kStandardEntrySize * *added, bytes, count * entrySize)) {
+        if (!mReader.readExactly(entries + kStandardEntrySize * *added, bytes, count * entrySize)) {
             AVI_LOGE("%s(): Failed to read chunk entry at %lld", "parseChunkIndex", ll(entries));
             return ERROR_IO;
         }

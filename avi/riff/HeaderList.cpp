@@ -71,7 +71,7 @@ status_t RuvoAVIExtractor::parseHDRL(int64_t start, int64_t end) {
 
     bool foundAvih = false;
     uint32_t streamLists = 0;
-    ChunkWalker chunk(mDataSource.get(), start);
+    ChunkWalker chunk(mReader, start);
     do {
         const HeaderRead read = chunk.advance();
         if (read == HeaderRead::kZeroTail) break;
@@ -128,7 +128,7 @@ status_t RuvoAVIExtractor::parseAVIH(int64_t start, int64_t end) {
         AVI_LOG_FAILURE("parseAVIH", ERROR_MALFORMED, kLineShortAvih);
         return ERROR_MALFORMED;
     }
-    if (!readExactly(start, bytes, sizeof(bytes))) {
+    if (!mReader.readExactly(start, bytes, sizeof(bytes))) {
         AVI_LOG_FAILURE("parseAVIH", ERROR_IO, kLineUnreadableAvih);
         return ERROR_IO;
     }

@@ -42,7 +42,7 @@ const char* keyOf(FourCC id) {
 status_t RuvoAVIExtractor::parseINFO(int64_t start, int64_t end) {
     for (int64_t position = start; position < end;) {
         uint8_t bytes[kChunkHeaderSize];
-        if (!readExactly(position, bytes, sizeof(bytes))) break;
+        if (!mReader.readExactly(position, bytes, sizeof(bytes))) break;
         FourCC id{};
         uint32_t size = 0;
         ByteReader in(bytes, sizeof(bytes));
@@ -63,7 +63,7 @@ status_t RuvoAVIExtractor::parseINFO(int64_t start, int64_t end) {
 // file, which has none, is dropped.
 void RuvoAVIExtractor::publishTag(const char* key, int64_t offset, uint32_t padded) {
     sp<ABuffer> text;
-    if (readBuffer(offset, size_t{padded} + 1, &text) != OK) return;
+    if (mReader.readBuffer(offset, size_t{padded} + 1, &text) != OK) return;
     text->data()[padded] = '\0';
     const char* value = reinterpret_cast<const char*>(text->data());
     AMediaFormat_setString(mFileMeta.get(), key, value);

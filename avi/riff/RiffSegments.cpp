@@ -50,10 +50,10 @@ bool stopsAtUnknownChunk(const char* function, const ChunkHeader& header, bool h
 // segments too: writers of broken tails are common, and nothing of use lies in the last 8 bytes.
 int64_t RuvoAVIExtractor::walkEnd(const char* function, uint32_t riffSize, int64_t contents) const {
     int64_t end = riffSize;
-    if (riffSize + kChunkHeaderSize > mFileSize) {
+    if (riffSize + kChunkHeaderSize > mReader.size()) {
         AVI_LOGW("%s(): file seems to be chunked (%lld + %d) > %lld", function, ll(riffSize),
-                 static_cast<int>(kChunkHeaderSize), ll(mFileSize));
-        end = mFileSize;
+                 static_cast<int>(kChunkHeaderSize), ll(mReader.size()));
+        end = mReader.size();
     }
     AVI_LOGV("%s(): RIFF size %llX(%lld), pos: %lld ~ %lld", function, ull(riffSize), ll(riffSize),
              ll(contents), ll(end));
@@ -87,7 +87,7 @@ status_t RuvoAVIExtractor::parseFirstRIFF() {
 
 status_t RuvoAVIExtractor::walkFirstRIFF(FirstRiffState* found) {
     ChunkHeader riff;
-    if (readChunkHeader(mDataSource.get(), 0, &riff) != HeaderRead::kWhole) {
+    if (readChunkHeader(mReader, 0, &riff) != HeaderRead::kWhole) {
         AVI_LOG_FAILURE("parseFirstRIFF", ERROR_IO, kLineUnreadableFirstRiff);
         return ERROR_IO;
     }
@@ -99,7 +99,7 @@ status_t RuvoAVIExtractor::walkFirstRIFF(FirstRiffState* found) {
     }
     const int64_t end = walkEnd("parseFirstRIFF", riff.size, kListHeaderSize);
 
-    ChunkWalker chunk(mDataSource.get(), kListHeaderSize);
+    ChunkWalker chunk(mReader, kListHeaderSize);
     while (chunk.next() < end) {
         const HeaderRead read = chunk.advance();
         if (read == HeaderRead::kZeroTail) break;
@@ -213,7 +213,7 @@ bool RuvoAVIExtractor::videoFullyIndexed() const {
 
 status_t RuvoAVIExtractor::parseMoreRIFF(int64_t offset, size_t n) {
     ChunkHeader riff;
-    if (readChunkHeader(mDataSource.get(), offset, &riff) != HeaderRead::kWhole) {
+    if (readChunkHeader(mReader, offset, &riff) != HeaderRead::kWhole) {
         AVI_LOG_FAILURE("parseMoreRIFF", ERROR_MALFORMED, kLineUnreadableMoreRiff);
         return ERROR_MALFORMED;
     }
@@ -227,7 +227,7 @@ status_t RuvoAVIExtractor::parseMoreRIFF(int64_t offset, size_t n) {
     const int64_t end = walkEnd("parseMoreRIFF", riff.size, offset + kListHeaderSize);
 
     MoreRiffState found;
-    ChunkWalker chunk(mDataSource.get(), offset + kListHeaderSize);
+    ChunkWalker chunk(mReader, offset + kListHeaderSize);
     while (chunk.next() < end && !found.tooManyUnknown) {
         const HeaderRead read = chunk.advance();
         if (read == HeaderRead::kZeroTail) break;

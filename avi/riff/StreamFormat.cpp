@@ -49,7 +49,7 @@ status_t RuvoAVIExtractor::parseSTRF(int64_t offset, int64_t end) {
         AVI_LOGD("%s(): Video has %zdB extra config data.", "parseSTRF",
                  static_cast<ssize_t>(format.size - kBitmapInfoSize));
     }
-    if (!readExactly(offset, format.header, format.headerSize)) {
+    if (!mReader.readExactly(offset, format.header, format.headerSize)) {
         return failure(ERROR_IO, __LINE__);
     }
     detectSubtitle(format);
@@ -92,7 +92,8 @@ void RuvoAVIExtractor::putVideoFirst() {
 // possible. False when it cannot be read.
 bool RuvoAVIExtractor::readAudioExtraSize(StreamFormat* format, size_t rest, size_t* out) {
     uint8_t bytes[2];
-    if (!readExactly(format->offset + int64_t{kWaveFormatSize}, bytes, sizeof(bytes))) return false;
+    if (!mReader.readExactly(format->offset + int64_t{kWaveFormatSize}, bytes, sizeof(bytes)))
+        return false;
     *out = size_t{bytes[0]} | size_t{bytes[1]} << 8;
     // Compared with all bytes behind the header, so that writers which count the size field itself
     // are accepted; a rest of 64 KiB and more counts by its low 16 bits.
@@ -122,8 +123,8 @@ status_t RuvoAVIExtractor::readExtraData(StreamFormat* format) {
     }
 
     sp<ABuffer> data;
-    const status_t err =
-        readBuffer(format->offset + static_cast<int64_t>(format->headerSize), extraSize, &data);
+    const status_t err = mReader.readBuffer(
+        format->offset + static_cast<int64_t>(format->headerSize), extraSize, &data);
     if (err == ERROR_IO) return failure(err, __LINE__);
     if (err != OK) return err;
     track->mCodecData = data;

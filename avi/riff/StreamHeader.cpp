@@ -72,7 +72,7 @@ status_t RuvoAVIExtractor::parseSTRH(int64_t start, int64_t end) {
         AVI_LOG_FAILURE("parseSTRH", ERROR_MALFORMED, kLineShortStrh);
         return ERROR_MALFORMED;
     }
-    if (!readExactly(start, bytes, sizeof(bytes))) {
+    if (!mReader.readExactly(start, bytes, sizeof(bytes))) {
         AVI_LOG_FAILURE("parseSTRH", ERROR_IO, kLineUnreadableStrh);
         return ERROR_IO;
     }

@@ -45,7 +45,7 @@ status_t RuvoAVIExtractor::parseSTRL(int64_t start, int64_t end, uint32_t stream
     }
 
     StreamListState seen;
-    ChunkWalker chunk(mDataSource.get(), start);
+    ChunkWalker chunk(mReader, start);
     do {
         const HeaderRead read = chunk.advance();
         if (read == HeaderRead::kZeroTail) break;

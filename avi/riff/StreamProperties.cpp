@@ -89,7 +89,7 @@ status_t RuvoAVIExtractor::parseSTRN(int64_t start, int64_t end) {
     const int64_t size = end - start;
     sp<ABuffer> name;
     if (size >= 1 && size <= kMaxPropertySize &&
-        readBuffer(start, static_cast<size_t>(size), &name) == OK) {
+        mReader.readBuffer(start, static_cast<size_t>(size), &name) == OK) {
         // The text may end before the chunk does.
         const char* text = reinterpret_cast<const char*>(name->data());
         const std::string_view view(text, strnlen(text, name->size()));
@@ -107,7 +107,7 @@ status_t RuvoAVIExtractor::parseVPRP(int64_t start, int64_t end) {
              static_cast<ssize_t>(size));
     sp<ABuffer> chunk;
     if (size == 0 || size > kMaxPropertySize ||
-        readBuffer(start, static_cast<size_t>(size), &chunk) != OK) {
+        mReader.readBuffer(start, static_cast<size_t>(size), &chunk) != OK) {
         return OK;
     }
     hexDump(chunk->data(), chunk->size());

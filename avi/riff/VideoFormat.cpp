@@ -140,8 +140,8 @@ void RuvoAVIExtractor::applyBitmapInfo(const StreamFormat& format) {
 void RuvoAVIExtractor::readAvcRecord(const StreamFormat& format) {
     const size_t extraSize = format.size - kBitmapInfoSize;
     sp<ABuffer> extra;
-    if (extraSize == 0 || readBuffer(format.offset + static_cast<int64_t>(kBitmapInfoSize),
-                                     extraSize, &extra) != OK) {
+    if (extraSize == 0 || mReader.readBuffer(format.offset + static_cast<int64_t>(kBitmapInfoSize),
+                                             extraSize, &extra) != OK) {
         return;
     }
     publishAvcRecord(currentTrack(), extra);

@@ -20,8 +20,7 @@ bool RuvoAVISource::probeFrame(size_t i, FrameType* type) const {
     uint8_t bytes[256];
     const uint32_t chunkSize = mTable->chunkSize(i);
     const size_t size = std::min<size_t>(chunkSize, sizeof(bytes));
-    const ssize_t got = mDataSource->readAt(mTable->offset(i), bytes, size);
-    if (got != static_cast<ssize_t>(size)) return false;
+    if (!mReader.readExactly(mTable->offset(i), bytes, size)) return false;
     *type = getFrameType(bytes, size);
     return true;
 }

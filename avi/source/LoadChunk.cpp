@@ -46,7 +46,7 @@ media_status_t RuvoAVISource::loadChunk(Chunk* chunk) {
 bool RuvoAVISource::loadPlain(const Chunk& chunk, size_t position) {
     if (position > mBufferCapacity || chunk.size > mBufferCapacity - position) return false;
     uint8_t* data = static_cast<uint8_t*>(mBuffer->data()) + position;
-    return mDataSource->readAt(chunk.offset, data, chunk.size) == static_cast<ssize_t>(chunk.size);
+    return mReader.readExactly(chunk.offset, data, chunk.size);
 }
 
 // VC-1 decoders find frames by their start codes, which most writers leave out. The frame header
@@ -55,9 +55,7 @@ bool RuvoAVISource::loadVc1(Chunk* chunk, size_t* insertedBytes) {
     if (mBufferCapacity < kStartCodeSize) return false;
     uint8_t bytes[kVc1ProbeBytes] = {};
     const size_t probed = std::min<size_t>(chunk->size, sizeof(bytes));
-    if (mDataSource->readAt(chunk->offset, bytes, probed) != static_cast<ssize_t>(probed)) {
-        return false;
-    }
+    if (!mReader.readExactly(chunk->offset, bytes, probed)) return false;
     const Vc1Frame frame = probeVc1Frame(bytes);
     chunk->isSync = frame.isSync;
     if (!frame.hasStartCode) {
@@ -70,12 +68,11 @@ bool RuvoAVISource::loadVc1(Chunk* chunk, size_t* insertedBytes) {
 // Decoders take start codes. The published length stays that of the chunk, which is exact for the
 // usual prefixes of four bytes.
 bool RuvoAVISource::loadLengthPrefixed(const Chunk& chunk) {
-    const int64_t size = fileSize();
+    const int64_t size = mReader.askSize();
     if (chunk.size > mBufferCapacity || (size > 0 && chunk.offset + chunk.size > size))
         return false;
     const std::unique_ptr<uint8_t[]> sample(new (std::nothrow) uint8_t[chunk.size]);
-    if (sample == nullptr || mDataSource->readAt(chunk.offset, sample.get(), chunk.size) !=
-                                 static_cast<ssize_t>(chunk.size)) {
+    if (sample == nullptr || !mReader.readExactly(chunk.offset, sample.get(), chunk.size)) {
         return false;
     }
     dumpData(sample.get(), chunk.size, kNoTime, static_cast<uint32_t>(chunk.index));

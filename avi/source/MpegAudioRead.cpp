@@ -195,7 +195,7 @@ status_t RuvoAVISource::readNextChunk(uint8_t* dst, size_t wanted, ssize_t* got)
         return ERROR_END_OF_STREAM;
     }
     const size_t size = std::min<size_t>(mTable->chunkSize(i), wanted);
-    *got = mDataSource->readAt(mTable->offset(i), dst, size);
+    *got = mReader.readAt(mTable->offset(i), dst, size);
     if (*got == static_cast<ssize_t>(size)) return OK;
     AVI_LOG_FAILURE("readNextChunk", ERROR_IO, __LINE__);
     return ERROR_IO;

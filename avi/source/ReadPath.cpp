@@ -109,13 +109,14 @@ media_status_t RuvoAVISource::returnBuffer(MediaBufferHelper** out, MediaBufferH
 // No second buffer, or no data for it: what was loaded is lost.
 media_status_t RuvoAVISource::bufferFailure(const Chunk& chunk, int line) {
     releaseBuffer();
-    return fileSize() < 1 ? endOfStream(prefix(chunk), line) : unknownError(prefix(chunk), line);
+    return mReader.askSize() < 1 ? endOfStream(prefix(chunk), line)
+                                 : unknownError(prefix(chunk), line);
 }
 
 // A chunk that the file does not hold ends the stream: the rest of the file is missing.
 media_status_t RuvoAVISource::shortRead(const Chunk& chunk, int line) {
     releaseBuffer();
-    const bool atFileEnd = fileSize() <= chunk.offset + chunk.size;
+    const bool atFileEnd = mReader.askSize() <= chunk.offset + chunk.size;
     return atFileEnd ? endOfStream(prefix(chunk), line) : unknownError(prefix(chunk), line);
 }
 
@@ -143,11 +144,6 @@ std::string RuvoAVISource::prefix(const Chunk& chunk) const {
         track + "[" + std::to_string(chunk.index) + "/" + std::to_string(mTable->size()) + "]";
     if (!mIsVideo || !chunk.isTyped) return text;
     return text + "[" + frameTypeText(chunk.type) + "]";
-}
-
-int64_t RuvoAVISource::fileSize() const {
-    off64_t size = 0;
-    return mDataSource->getSize(&size) == OK ? size : 0;
 }
 
 }  // namespace android

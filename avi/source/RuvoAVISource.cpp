@@ -41,12 +41,12 @@ media_status_t startFailure(int line) {
 
 }  // namespace
 
-RuvoAVISource::RuvoAVISource(AMediaFormat* format, DataSourceHelper* source, const TrackInfo& info,
+RuvoAVISource::RuvoAVISource(AMediaFormat* format, const FileReader& reader, const TrackInfo& info,
                              SampleTable* table, const Vector<sp<RuvoAVISeekTime>>& seekTimes,
                              std::mutex* formatLock)
     : mFormat(format),
       mFormatLock(formatLock),
-      mDataSource(source),
+      mReader(reader),
       mInfo(info),
       mTable(table),
       mAudioSeekTimes(seekTimes),

@@ -14,6 +14,7 @@
 #include <mutex>
 #include <string>
 
+#include "FileReader.h"
 #include "Track.h"
 #include "source/Conversions.h"
 #include "source/FrameType.h"
@@ -25,7 +26,7 @@ class RuvoAVISource : public MediaTrackHelper {
   public:
     // All arguments belong to the extractor, which outlives its sources. `formatLock` guards
     // `format`. What is needed of `info` is copied now.
-    RuvoAVISource(AMediaFormat* format, DataSourceHelper* source, const TrackInfo& info,
+    RuvoAVISource(AMediaFormat* format, const FileReader& reader, const TrackInfo& info,
                   SampleTable* table, const Vector<sp<RuvoAVISeekTime>>& seekTimes,
                   std::mutex* formatLock);
     ~RuvoAVISource() override;
@@ -84,7 +85,6 @@ class RuvoAVISource : public MediaTrackHelper {
     media_status_t bufferFailure(const Chunk& chunk, int line);
     std::string prefix() const;
     std::string prefix(const Chunk& chunk) const;
-    int64_t fileSize() const;
 
     // source/LoadChunk.cpp
     media_status_t loadChunk(Chunk* chunk);
@@ -153,9 +153,9 @@ class RuvoAVISource : public MediaTrackHelper {
     void logFrame(const std::string& prefix) const;
 
     std::mutex mLock;
-    AMediaFormat* mFormat;          // not owned; touched only with *mFormatLock held
-    std::mutex* mFormatLock;        // not owned
-    DataSourceHelper* mDataSource;  // not owned
+    AMediaFormat* mFormat;      // not owned; touched only with *mFormatLock held
+    std::mutex* mFormatLock;    // not owned
+    const FileReader& mReader;  // not owned
     TrackInfo mInfo;
     SampleTable* mTable;                                 // not owned
     const Vector<sp<RuvoAVISeekTime>>& mAudioSeekTimes;  // not owned

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "avi/riff/ChunkWalker.h"
+#include "avi/ChunkWalker.h"
 
 #include <memory>
 
@@ -25,20 +25,23 @@ using service::PlainDataSource;
 class Content {
   public:
     explicit Content(const Bytes& bytes)
-        : mMemory(bytes), mFaulty(mMemory), mPlain(mFaulty), mHelper(mPlain.get()) {}
-    DataSourceHelper* helper() { return &mHelper; }
+        : mMemory(bytes),
+          mFaulty(mMemory),
+          mPlain(mFaulty),
+          mReader(new DataSourceHelper(mPlain.get())) {}
+    const FileReader& reader() const { return mReader; }
     FaultySource& source() { return mFaulty; }
 
   private:
     MemorySource mMemory;
     FaultySource mFaulty;
     PlainDataSource mPlain;
-    DataSourceHelper mHelper;
+    FileReader mReader;
 };
 
 HeaderRead readHeader(const Bytes& bytes, ChunkHeader* out) {
     Content content(bytes);
-    return readChunkHeader(content.helper(), 0, out);
+    return readChunkHeader(content.reader(), 0, out);
 }
 
 TEST(ChunkHeader, HasIdSizeAndType) {
@@ -82,7 +85,7 @@ TEST(ChunkHeader, ReadErrorIsUnreadable) {
     Content content(Bytes(100));
     content.source().inject(Fault::error(-EIO));
     ChunkHeader header;
-    EXPECT_EQ(HeaderRead::kUnreadable, readChunkHeader(content.helper(), 0, &header));
+    EXPECT_EQ(HeaderRead::kUnreadable, readChunkHeader(content.reader(), 0, &header));
 }
 
 TEST(ChunkHeader, FailureLeavesTheResultAlone) {
@@ -100,7 +103,7 @@ TEST(ChunkHeader, FailureLeavesTheResultAlone) {
 TEST(ChunkHeader, IsReadAtItsPosition) {
     Content content(ByteWriter().fill(5).bytes(Chunk::list("movi").toBytes()).take());
     ChunkHeader header;
-    EXPECT_EQ(HeaderRead::kWhole, readChunkHeader(content.helper(), 5, &header));
+    EXPECT_EQ(HeaderRead::kWhole, readChunkHeader(content.reader(), 5, &header));
     EXPECT_EQ(fourcc("movi"), header.type);
     ASSERT_EQ(1u, content.source().callCount());
     EXPECT_EQ(12u, content.source().calls()[0].size);
@@ -117,14 +120,14 @@ Bytes siblings() {
 
 TEST(ChunkWalker, StandsInFrontOfTheFirstChunk) {
     Content content(siblings());
-    const ChunkWalker chunk(content.helper(), 0);
+    const ChunkWalker chunk(content.reader(), 0);
     EXPECT_EQ(0, chunk.next());
     EXPECT_EQ(0u, content.source().callCount());
 }
 
 TEST(ChunkWalker, StepsOverThePadByte) {
     Content content(siblings());
-    ChunkWalker chunk(content.helper(), 0);
+    ChunkWalker chunk(content.reader(), 0);
     EXPECT_EQ(HeaderRead::kWhole, chunk.advance());
     EXPECT_EQ(fourcc("strn"), chunk.header().id);
     EXPECT_EQ(0, chunk.position());
@@ -135,7 +138,7 @@ TEST(ChunkWalker, StepsOverThePadByte) {
 
 TEST(ChunkWalker, StepsOverAListWithItsContents) {
     Content content(siblings());
-    ChunkWalker chunk(content.helper(), 14);
+    ChunkWalker chunk(content.reader(), 14);
     EXPECT_EQ(HeaderRead::kWhole, chunk.advance());
     EXPECT_TRUE(chunk.isList(fourcc("strl")));
     EXPECT_FALSE(chunk.isList(fourcc("movi")));
@@ -145,14 +148,14 @@ TEST(ChunkWalker, StepsOverAListWithItsContents) {
 
 TEST(ChunkWalker, TypeOfAPlainChunkMakesItNoList) {
     Content content(Chunk("JUNK", {'s', 't', 'r', 'l'}).toBytes());
-    ChunkWalker chunk(content.helper(), 0);
+    ChunkWalker chunk(content.reader(), 0);
     EXPECT_EQ(HeaderRead::kWhole, chunk.advance());
     EXPECT_FALSE(chunk.isList(fourcc("strl")));
 }
 
 TEST(ChunkWalker, StaysWhereItIsWhenAHeaderCannotBeRead) {
     Content content(ByteWriter().bytes(siblings()).fill(8).take());
-    ChunkWalker chunk(content.helper(), 38);
+    ChunkWalker chunk(content.reader(), 38);
     EXPECT_EQ(HeaderRead::kWhole, chunk.advance());
     EXPECT_EQ(HeaderRead::kZeroTail, chunk.advance());
     EXPECT_EQ(fourcc("JUNK"), chunk.header().id);
@@ -162,14 +165,14 @@ TEST(ChunkWalker, StaysWhereItIsWhenAHeaderCannotBeRead) {
 
 TEST(ChunkWalker, SizeAndPadAreAddedIn32Bits) {
     Content content(ByteWriter().fourcc("JUNK").u32(0xFFFFFFFF).u32(0).take());
-    ChunkWalker chunk(content.helper(), 0);
+    ChunkWalker chunk(content.reader(), 0);
     EXPECT_EQ(HeaderRead::kWhole, chunk.advance());
     EXPECT_EQ(8, chunk.next());
 }
 
 TEST(ChunkWalker, PositionsAre64BitsWide) {
     Content content(ByteWriter().fourcc("JUNK").u32(0xFFFFFFFE).u32(0).take());
-    ChunkWalker chunk(content.helper(), 0);
+    ChunkWalker chunk(content.reader(), 0);
     EXPECT_EQ(HeaderRead::kWhole, chunk.advance());
     EXPECT_EQ(int64_t{0x100000006}, chunk.next());
 }

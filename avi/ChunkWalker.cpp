@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "riff/ChunkWalker.h"
+#include "ChunkWalker.h"
 
 #include "support/ByteReader.h"
 
 namespace android {
 
-HeaderRead readChunkHeader(DataSourceHelper* source, int64_t position, ChunkHeader* out) {
+HeaderRead readChunkHeader(const FileReader& reader, int64_t position, ChunkHeader* out) {
     uint8_t bytes[kListHeaderSize] = {};
-    const ssize_t count = source->readAt(position, bytes, sizeof(bytes));
+    const ssize_t count = reader.readAt(position, bytes, sizeof(bytes));
     if (count < 0 || count > kListHeaderSize) return HeaderRead::kUnreadable;
     ByteReader in(bytes, static_cast<size_t>(count));
     ChunkHeader header;  // u32 id | u32 size | u32 type

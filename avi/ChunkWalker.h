@@ -4,9 +4,9 @@
 // Invariant: every successful step moves next() at least 8 bytes on, so every walk ends.
 #pragma once
 
-#include <media/MediaExtractorPluginHelper.h>
 #include <stdint.h>
 
+#include "FileReader.h"
 #include "support/Arithmetic.h"
 #include "support/FourCC.h"
 
@@ -33,19 +33,19 @@ enum class HeaderRead {
 // Reads the 12 bytes at `position`, whatever the chunk is: the type of a plain chunk is just the
 // first bytes of its payload. Where only 8 bytes come, `out` has no type; kUnreadable leaves it
 // alone.
-HeaderRead readChunkHeader(DataSourceHelper* source, int64_t position, ChunkHeader* out);
+HeaderRead readChunkHeader(const FileReader& reader, int64_t position, ChunkHeader* out);
 
 class ChunkWalker {
   public:
-    // Walks from `start`, the offset of the first chunk. `source` must outlive the walker.
-    ChunkWalker(DataSourceHelper* source, int64_t start)
-        : mSource(source), mPosition(start), mNext(start) {}
+    // Walks from `start`, the offset of the first chunk. `reader` must outlive the walker.
+    ChunkWalker(const FileReader& reader, int64_t start)
+        : mReader(reader), mPosition(start), mNext(start) {}
 
     // Reads the header at next() and steps onto that chunk. kZeroTail and kUnreadable leave the
     // walker where it is; there is no kCutType.
     HeaderRead advance() {
         ChunkHeader header;
-        const HeaderRead result = readChunkHeader(mSource, mNext, &header);
+        const HeaderRead result = readChunkHeader(mReader, mNext, &header);
         if (result == HeaderRead::kWhole) stepOnto(header);
         return result == HeaderRead::kCutType ? HeaderRead::kUnreadable : result;
     }
@@ -53,7 +53,7 @@ class ChunkWalker {
     // The same where no lists are expected: the 8 bytes of a plain chunk's header suffice.
     bool advancePlain() {
         ChunkHeader header;
-        if (readChunkHeader(mSource, mNext, &header) == HeaderRead::kUnreadable) return false;
+        if (readChunkHeader(mReader, mNext, &header) == HeaderRead::kUnreadable) return false;
         stepOnto(header);
         return true;
     }
@@ -73,7 +73,7 @@ class ChunkWalker {
         mNext += kChunkHeaderSize + paddedSize(header.size);
     }
 
-    DataSourceHelper* mSource;
+    const FileReader& mReader;
     ChunkHeader mHeader;
     int64_t mPosition;
     int64_t mNext;
