@@ -61,14 +61,14 @@ MediaTrackHelper* RuvoAVIExtractor::getTrack(size_t index) {
 
 media_status_t RuvoAVIExtractor::getTrackMetaData(AMediaFormat* out, size_t index, uint32_t flags) {
     if (readMetaData() != OK) {
-        AVI_LOG_FAILURE("getTrackMetaData", AMEDIA_ERROR_UNKNOWN, kLineNoTrackMetaData);
+        fail("getTrackMetaData", AMEDIA_ERROR_UNKNOWN, kLineNoTrackMetaData);
         return AMEDIA_ERROR_UNKNOWN;
     }
     Track* track = trackAt(index);
     if (track == nullptr) {
         const bool listEnds = index > mTrackTable.size();
-        AVI_LOG_FAILURE("getTrackMetaData", AMEDIA_ERROR_UNKNOWN,
-                        listEnds ? kLineTrackListEnds : kLineNoSuchTrack);
+        fail("getTrackMetaData", AMEDIA_ERROR_UNKNOWN,
+             listEnds ? kLineTrackListEnds : kLineNoSuchTrack);
         return AMEDIA_ERROR_UNKNOWN;
     }
     const std::lock_guard<std::mutex> lock(track->mFormatLock);
@@ -98,7 +98,7 @@ void RuvoAVIExtractor::publishThumbnailTime(Track* track) {
 
 media_status_t RuvoAVIExtractor::getMetaData(AMediaFormat* out) {
     if (readMetaData() != OK) {
-        AVI_LOG_FAILURE("getMetaData", AMEDIA_ERROR_UNKNOWN, kLineNoMetaData);
+        fail("getMetaData", AMEDIA_ERROR_UNKNOWN, kLineNoMetaData);
         return AMEDIA_ERROR_UNKNOWN;
     }
     return AMediaFormat_copy(out, mFileMeta.get());
@@ -121,13 +121,13 @@ status_t RuvoAVIExtractor::readMetaData() {
 
     ChunkHeader header;
     if (readChunkHeader(mReader, 0, &header) != HeaderRead::kWhole) {
-        AVI_LOG_FAILURE("readMetaData", ERROR_IO, kLineUnreadableHeader);
+        fail("readMetaData", ERROR_IO, kLineUnreadableHeader);
         return ERROR_IO;
     }
     AVI_LOGD("%s(): ID %X, size %X, type %X @L%d", "readMetaData", toWord(header.id), header.size,
              toWord(header.type), kLineHeader);
     if (header.id != fourcc("RIFF")) {
-        AVI_LOG_FAILURE("readMetaData", ERROR_UNSUPPORTED, kLineNotRiff);
+        fail("readMetaData", ERROR_UNSUPPORTED, kLineNotRiff);
         return ERROR_UNSUPPORTED;
     }
     mReader.keepSize();
@@ -158,7 +158,7 @@ status_t RuvoAVIExtractor::listRiffSegments() {
         ChunkHeader header;
         if (readChunkHeader(mReader, position, &header) != HeaderRead::kWhole) {
             mRiffList.clear();
-            AVI_LOG_FAILURE("readMetaData", ERROR_IO, kLineUnreadableSegment);
+            fail("readMetaData", ERROR_IO, kLineUnreadableSegment);
             return ERROR_IO;
         }
         if (header.id == fourcc("RIFF")) {

@@ -17,7 +17,6 @@
 #include "ChunkWalker.h"
 #include "FileReader.h"
 #include "Track.h"
-#include "codec/AacConfig.h"
 #include "support/MediaFormat.h"
 
 namespace android {
@@ -128,36 +127,6 @@ class RuvoAVIExtractor : public MediaExtractorPluginHelper {
     // riff/VideoFormat.cpp
     void applyBitmapInfo(const StreamFormat& format);
     void readAvcRecord(const StreamFormat& format);
-
-    // codec/, one file a codec
-    status_t generateVideoCodecData(Track* track);
-    void probeAvcFraming(Track* track);
-    void checkSampleAspectRatio(Track* track);
-    status_t generateAvcCodecData(Track* track);
-    status_t generateHevcCodecData(Track* track);
-    void generateMPEG2CodecData(Track* track);
-    void generateAudioCodecData(Track* track);
-    void generateAACCodecData(Track* track);
-    bool readAdtsProbe(const Track& track, size_t i, uint8_t (*out)[kAdtsProbeBytes]) const;
-    void publishAacConfig(const uint8_t (&header)[kAdtsProbeBytes], Track* track);
-    void generatePCMCodecData(Track* track);
-    void generateAC3CodecData(Track* track);
-    void generateDtsCodecData(Track* track);
-
-    // codec/MpegAudioCodecData.cpp
-    struct MpegAudioStart {
-        size_t sampleIndex = 0;
-        size_t offset = 0;    // in the sample
-        uint32_t header = 0;  // 0: none
-    };
-    struct MpegAudioProbe;
-    void generateMPEGCodecData(Track* track);
-    void enableBlockMode(Track* track, uint32_t samplesPerFrame);
-    status_t findMP3Header(const Track& track, MpegAudioStart* out) const;
-    status_t findMP3HeaderIn(const Track& track, const MpegAudioProbe& probe,
-                             MpegAudioStart* out) const;
-    status_t readSuccessor(const Track& track, const MpegAudioProbe& probe, size_t position,
-                           uint32_t* out) const;
 
     // index/SampleTable.cpp
     status_t addSample(const RuvoAVISample* sample, Track* track);

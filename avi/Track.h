@@ -43,6 +43,9 @@ struct RuvoAVISeekTime : public RefBase {
     std::atomic<int64_t> mSeekTimeUs{-1};  // -1: no seek pending
 };
 
+// The wave format tag of streams whose codec a GUID tells, in the extra data.
+constexpr uint16_t kWaveTagExtensible = 0xFFFE;
+
 // What a source needs to know of its stream. Names as in the stream header (strh) and the stream
 // format (strf) they come from.
 struct TrackInfo {

@@ -15,7 +15,6 @@ import pathlib
 import re
 import sys
 
-FAILURE_TEXT = "%s(): error -%X @line%d"  # what AVI_LOG_FAILURE prints
 FORMAT_AT = {"AVI_LOG": 1, "AVI_LOGE": 0, "AVI_LOGW": 0, "AVI_LOGD": 0, "AVI_LOGV": 0,
              "AVI_TRACE": 0}
 CHECKS = {"AVI_CHECK": "CHECK({}) failed.", "AVI_CHECK_TEXT": "CHECK({}) failed.",
@@ -128,8 +127,6 @@ class Code:
                 continue
             for expanded in self.expand(source, text, arguments[at + 1:]):
                 self.add(source, i, expanded, arguments[at + 1:at + 2])
-        for i, arguments in source.calls(("AVI_LOG_FAILURE",)):
-            self.add(source, i, FAILURE_TEXT, arguments[:1])
         for i, arguments in source.calls(CHECKS):
             operands = literal(arguments[-1]) if source.text(i) != "AVI_CHECK" else None
             if operands is None:
@@ -147,19 +144,30 @@ class Code:
 
     def functions(self, source, i, argument):
         """The names that the argument may have: its own text, or that of every caller."""
-        name = literal(argument)
-        if name is not None:
-            return [name]
+        names = self.given_names(source, argument)
+        if names:
+            return sorted(names)
         function, parameters = source.enclosing_function(i)
         if len(argument) == 1 and argument[0].text in parameters:
             position = parameters.index(argument[0].text)
-            names = {literal(arguments[position]) for other in self.sources
-                     for _, arguments in other.calls((function,)) if len(arguments) > position}
-            names.discard(None)
+            names = set()
+            for other in self.sources:
+                for _, arguments in other.calls((function,)):
+                    if len(arguments) > position:
+                        names |= self.given_names(other, arguments[position])
             if names:
                 return sorted(names)
         self.problems.append(f"{self.place(source, i)}: the function's name cannot be found out")
         return []
+
+    @staticmethod
+    def given_names(source, argument):
+        """A literal's text; of the member `function` of a record, the texts that records begin with."""
+        if argument and argument[-1].text == "function" and len(argument) == 3:
+            record = argument[0].text
+            return set(re.findall(rf'\b{record} = \{{"(\w+)"', source.code))
+        name = literal(argument)
+        return set() if name is None else {name}
 
     @staticmethod
     def expand(source, text, arguments):

@@ -2,12 +2,13 @@
 //
 // Configuration of AAC tracks: reconciles what the first sample, the extra data of the stream
 // format and the wave format say.
+#include "codec/AacCodecData.h"
+
 #include <string.h>
 
 #include <algorithm>
 
-#include "RuvoAVIExtractor.h"
-#include "codec/AacConfig.h"
+#include "codec/AacHeaders.h"
 #include "codec/Esds.h"
 #include "codec/ReadSample.h"
 #include "support/Check.h"
@@ -56,32 +57,17 @@ void reconcileFormat(AMediaFormat* meta, const AacConfig& config, uint32_t waveR
     }
 }
 
-}  // namespace
-
 // The first bytes of a sample that can be read whole; what it does not have counts as 0.
-bool RuvoAVIExtractor::readAdtsProbe(const Track& track, size_t i,
-                                     uint8_t (*out)[kAdtsProbeBytes]) const {
+bool readAdtsProbe(const FileReader& reader, const Track& track, size_t i,
+                   uint8_t (*out)[kAdtsProbeBytes]) {
     sp<ABuffer> sample;
-    if (readSample(mReader, track, i, &sample) != OK) return false;
+    if (readSample(reader, track, i, &sample) != OK) return false;
     memset(*out, 0, sizeof(*out));
     memcpy(*out, sample->data(), std::min(sample->size(), sizeof(*out)));
     return true;
 }
 
-void RuvoAVIExtractor::generateAACCodecData(Track* track) {
-    uint8_t header[kAdtsProbeBytes];
-    if (readAdtsProbe(*track, 0, &header)) publishAacConfig(header, track);
-    if (!extractLogEnabled()) return;
-    for (size_t i = 1; i < std::min(track->mTable.size(), kLoggedSamples); ++i) {
-        if (!readAdtsProbe(*track, i, &header)) continue;
-        AVI_LOGV("%s(): AAC sample-%u, header %02X %02X %02X %02X size %d @%llx",
-                 "generateAACCodecData", static_cast<unsigned>(i), header[0], header[1], header[2],
-                 header[3], static_cast<int>(track->mTable.chunkSize(i)),
-                 ull(track->mTable.offset(i)));
-    }
-}
-
-void RuvoAVIExtractor::publishAacConfig(const uint8_t (&header)[kAdtsProbeBytes], Track* track) {
+void publishAacConfig(const uint8_t (&header)[kAdtsProbeBytes], Track* track) {
     AMediaFormat* meta = track->meta.get();
     AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_BIT_RATE,
                           static_cast<int32_t>(wrapMul32(track->info.mAvgBytesPerSec, 8)));
@@ -105,6 +91,21 @@ void RuvoAVIExtractor::publishAacConfig(const uint8_t (&header)[kAdtsProbeBytes]
     AVI_LOGD("%s(): Make AAC ESDS(%zuB) done @%d...", "generateAACCodecData", esds->size(),
              __LINE__);
     hexDump(esds->data(), esds->size());
+}
+
+}  // namespace
+
+void generateAACCodecData(const FileReader& reader, Track* track) {
+    uint8_t header[kAdtsProbeBytes];
+    if (readAdtsProbe(reader, *track, 0, &header)) publishAacConfig(header, track);
+    if (!extractLogEnabled()) return;
+    for (size_t i = 1; i < std::min(track->mTable.size(), kLoggedSamples); ++i) {
+        if (!readAdtsProbe(reader, *track, i, &header)) continue;
+        AVI_LOGV("%s(): AAC sample-%u, header %02X %02X %02X %02X size %d @%llx",
+                 "generateAACCodecData", static_cast<unsigned>(i), header[0], header[1], header[2],
+                 header[3], static_cast<int>(track->mTable.chunkSize(i)),
+                 ull(track->mTable.offset(i)));
+    }
 }
 
 }  // namespace android

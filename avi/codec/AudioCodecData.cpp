@@ -2,10 +2,15 @@
 //
 // Codec configuration of an audio track, once its sample table is complete: hands on to the codec's
 // own file.
+#include "codec/AudioCodecData.h"
+
 #include <media/stagefright/foundation/MediaDefs.h>
 
-#include "RuvoAVIExtractor.h"
-#include "riff/StreamFormat.h"
+#include "codec/AacCodecData.h"
+#include "codec/Ac3CodecData.h"
+#include "codec/DtsCodecData.h"
+#include "codec/MpegAudioCodecData.h"
+#include "codec/PcmCodecData.h"
 #include "support/Log.h"
 #include "support/Mime.h"
 
@@ -29,7 +34,7 @@ void configureAdpcm(Track* track) {
 
 }  // namespace
 
-void RuvoAVIExtractor::generateAudioCodecData(Track* track) {
+void generateAudioCodecData(const FileReader& reader, Track* track) {
     const char* mime = trackMime(*track);
     track->mBadTrack = track->mTable.size() == 0;
     if (track->mBadTrack || track->mIsSubtitle) return;
@@ -37,15 +42,15 @@ void RuvoAVIExtractor::generateAudioCodecData(Track* track) {
 
     const bool isExtensible = track->info.mFormatTag == kWaveTagExtensible;
     if (isMime(mime, MEDIA_MIMETYPE_AUDIO_AAC)) {
-        generateAACCodecData(track);
+        generateAACCodecData(reader, track);
     } else if (isMime(mime, MEDIA_MIMETYPE_AUDIO_MPEG)) {
-        generateMPEGCodecData(track);
+        generateMPEGCodecData(reader, track);
     } else if (isExtensible || isMime(mime, MEDIA_MIMETYPE_AUDIO_RAW)) {
-        generatePCMCodecData(track);
+        generatePCMCodecData(reader, track);
     } else if (isMime(mime, MEDIA_MIMETYPE_AUDIO_AC3)) {
-        generateAC3CodecData(track);
+        generateAC3CodecData(reader, track);
     } else if (isMime(mime, MEDIA_MIMETYPE_AUDIO_DTS)) {
-        generateDtsCodecData(track);
+        generateDtsCodecData(reader, track);
     } else if (isMime(mime, MEDIA_MIMETYPE_AUDIO_MS_ADPCM) ||
                isMime(mime, MEDIA_MIMETYPE_AUDIO_DVI_IMA_ADPCM)) {
         configureAdpcm(track);

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Configuration of AVC tracks whose samples carry their parameter sets between start codes.
+#include "codec/AvcCodecData.h"
+
+#include <media/stagefright/MediaErrors.h>
 #include <media/stagefright/foundation/MediaDefs.h>
 #include <media/stagefright/foundation/avc_utils.h>
 
 #include <algorithm>
 #include <memory>
 
-#include "RuvoAVIExtractor.h"
 #include "codec/AvcConfig.h"
 #include "codec/ReadSample.h"
 #include "codec/SequenceParameterSet.h"
@@ -84,13 +86,13 @@ void makeAvcConfig(AMediaFormat* meta, const sp<ABuffer>& range) {
 
 }  // namespace
 
-status_t RuvoAVIExtractor::generateAvcCodecData(Track* track) {
+void generateAvcCodecData(const FileReader& reader, Track* track) {
     sp<ABuffer> sample;
     logFirstSample("generateAvcCodecData", *track);
-    if (readSample(mReader, *track, 0, &sample) != OK) {
+    if (readSample(reader, *track, 0, &sample) != OK) {
         track->mBadTrack = true;
-        AVI_LOG_FAILURE("generateAvcCodecData", ERROR_IO, __LINE__);
-        return ERROR_IO;
+        fail("generateAvcCodecData", ERROR_IO, __LINE__);
+        return;
     }
     const uint8_t* data = sample->data();
     const size_t size = sample->size();
@@ -104,7 +106,7 @@ status_t RuvoAVIExtractor::generateAvcCodecData(Track* track) {
         AVI_LOGE("%s(): Can't not find start code, offsetStart %d, prefixLen %d",
                  "generateAvcCodecData", static_cast<int>(idr.searchStart),
                  static_cast<int>(idr.prefixLength));
-        return OK;
+        return;
     }
     AVI_LOGV("%s(): Find I-frame done", "generateAvcCodecData");
     AVI_LOGV("%s(): NAL start @offset %d.", "generateAvcCodecData", static_cast<int>(idr.position));
@@ -115,7 +117,6 @@ status_t RuvoAVIExtractor::generateAvcCodecData(Track* track) {
     track->mCodecData = sample;
     hexDump(sample->data(), sample->size());
     makeAvcConfig(track->meta.get(), sample);
-    return OK;
 }
 
 }  // namespace android

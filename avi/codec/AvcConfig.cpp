@@ -15,7 +15,7 @@ namespace {
 constexpr size_t kMinRecordSize = 7;
 
 status_t malformedRecord(int line) {
-    AVI_LOG_FAILURE("parseAVCCodecSpecificData", ERROR_MALFORMED, line);
+    fail("parseAVCCodecSpecificData", ERROR_MALFORMED, line);
     return ERROR_MALFORMED;
 }
 

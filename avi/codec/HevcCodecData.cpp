@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Configuration of HEVC tracks from the parameter sets in front of their first picture.
+#include "codec/HevcCodecData.h"
+
+#include <media/stagefright/MediaErrors.h>
+
 #include <algorithm>
 
-#include "RuvoAVIExtractor.h"
-#include "codec/HevcConfig.h"
+#include "codec/HevcParameterSets.h"
 #include "codec/ReadSample.h"
 #include "support/HexDump.h"
 #include "support/Log.h"
@@ -31,35 +34,34 @@ void logSequenceHeader(const sp<ABuffer>& sample, const HevcSequenceHeader& h) {
 
 }  // namespace
 
-status_t RuvoAVIExtractor::generateHevcCodecData(Track* track) {
+void generateHevcCodecData(const FileReader& reader, Track* track) {
     AMediaFormat* meta = track->meta.get();
-    if (hasConfig(meta)) return OK;
+    if (hasConfig(meta)) return;
     sp<ABuffer> sample;
     logFirstSample("generateHevcCodecData", *track);
-    if (readSample(mReader, *track, 0, &sample) != OK) {
+    if (readSample(reader, *track, 0, &sample) != OK) {
         track->mBadTrack = true;
-        AVI_LOG_FAILURE("generateHevcCodecData", ERROR_IO, __LINE__);
-        return ERROR_IO;
+        fail("generateHevcCodecData", ERROR_IO, __LINE__);
+        return;
     }
     HevcSequenceHeader header;
     if (!findHevcSequenceHeader(sample->data(), sample->size(), &header)) {
         AVI_LOGE("%s(): Found no sequence start! UNSUPPORTED HEVC!", "generateHevcCodecData");
         track->mBadTrack = true;
-        return OK;
+        return;
     }
     const bool isRecord = sample->data()[0] == 1;
     prefixHevcParameterSets(sample->data(), header);
     logSequenceHeader(sample, header);
     sample->setRange(0, header.end);
     track->mCodecData = isRecord ? sample : makeHevcRecord(sample->data(), header);
-    if (track->mCodecData == nullptr) return OK;
+    if (track->mCodecData == nullptr) return;
 
     const sp<ABuffer>& csd = track->mCodecData;
     AVI_LOGV("%s(): set HVCC seq hdr, size %zu @L%d:", "generateHevcCodecData", csd->size(),
              __LINE__);
     hexDump(csd->data(), csd->size());
     AMediaFormat_setBuffer(meta, AMEDIAFORMAT_KEY_CSD_HEVC, csd->data(), csd->size());
-    return OK;
 }
 
 }  // namespace android

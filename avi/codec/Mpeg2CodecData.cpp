@@ -2,10 +2,11 @@
 //
 // Configuration of MPEG-1 and MPEG-2 video tracks: the headers in front of the first picture
 // (ISO/IEC 13818-2, 6.2.2), in an elementary stream descriptor.
+#include "codec/Mpeg2CodecData.h"
+
 #include <algorithm>
 #include <iterator>
 
-#include "RuvoAVIExtractor.h"
 #include "codec/Esds.h"
 #include "codec/ReadSample.h"
 #include "support/HexDump.h"
@@ -27,9 +28,9 @@ size_t sequenceHeaderLength(const sp<ABuffer>& sample) {
 
 }  // namespace
 
-void RuvoAVIExtractor::generateMPEG2CodecData(Track* track) {
+void generateMPEG2CodecData(const FileReader& reader, Track* track) {
     sp<ABuffer> sample;
-    if (readSample(mReader, *track, 0, &sample) != OK) {
+    if (readSample(reader, *track, 0, &sample) != OK) {
         AVI_LOGW("Something wrong to generateMPEG2CodecData.");
         return;
     }

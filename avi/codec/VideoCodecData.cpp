@@ -2,10 +2,14 @@
 //
 // Codec configuration of a video track from its first samples: settles how AVC samples are framed,
 // gives every track an aspect ratio, and hands on to the codec's own file.
+#include "codec/VideoCodecData.h"
+
 #include <media/stagefright/foundation/MediaDefs.h>
 #include <string.h>
 
-#include "RuvoAVIExtractor.h"
+#include "codec/AvcCodecData.h"
+#include "codec/HevcCodecData.h"
+#include "codec/Mpeg2CodecData.h"
 #include "support/Log.h"
 #include "support/Mime.h"
 
@@ -19,24 +23,8 @@ bool hasAspectRatio(AMediaFormat* meta) {
     return AMediaFormat_getInt32(meta, AMEDIAFORMAT_KEY_SAR_HEIGHT, &value) && value != 0;
 }
 
-}  // namespace
-
-status_t RuvoAVIExtractor::generateVideoCodecData(Track* track) {
-    const char* mime = trackMime(*track);
-    track->mBadTrack = track->mTable.size() == 0;
-    if (track->mBadTrack || track->mIsSubtitle) return OK;
-    if (track->mIsAVC && track->info.mAVCStyle == kLengthPrefixes) probeAvcFraming(track);
-
-    AVI_LOGV("generateCodecData for [%s]:", mime);
-    checkSampleAspectRatio(track);
-    if (track->mIsAVC) return generateAvcCodecData(track);
-    if (track->mIsHEVC) return generateHevcCodecData(track);
-    if (isMime(mime, MEDIA_MIMETYPE_VIDEO_MPEG2)) generateMPEG2CodecData(track);
-    return OK;
-}
-
 // Key samples begin with parameter sets in either form more often than not; the others tell.
-void RuvoAVIExtractor::probeAvcFraming(Track* track) {
+void probeAvcFraming(const FileReader& reader, Track* track) {
     constexpr uint32_t kMinProbedSize = 5;
     static constexpr uint8_t kStartCode[] = {0, 0, 0, 1};
     const SampleTable& table = track->mTable;
@@ -44,7 +32,7 @@ void RuvoAVIExtractor::probeAvcFraming(Track* track) {
         const bool isKeySample = table.syncFlag(i) == 1;
         if (isKeySample || table.chunkSize(i) < kMinProbedSize) continue;
         uint8_t bytes[sizeof(kStartCode)];
-        if (!mReader.readExactly(table.offset(i), bytes, sizeof(bytes))) continue;
+        if (!reader.readExactly(table.offset(i), bytes, sizeof(bytes))) continue;
         AVI_LOGW("%s(): Start code + NALU style H264 from sample %zu", "generateVideoCodecData", i);
         const bool startCodes = memcmp(bytes, kStartCode, sizeof(bytes)) == 0;
         track->info.mAVCStyle = startCodes ? kStartCodes : kLengthPrefixes;
@@ -54,13 +42,32 @@ void RuvoAVIExtractor::probeAvcFraming(Track* track) {
 }
 
 // The framework drops keys that follow a ratio without a value: a track always has one.
-void RuvoAVIExtractor::checkSampleAspectRatio(Track* track) {
+void checkSampleAspectRatio(Track* track) {
     AMediaFormat* meta = track->meta.get();
     if (!track->mIsVideo || hasAspectRatio(meta)) return;
     AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_SAR_WIDTH, 1);
     AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_SAR_HEIGHT, 1);
     AVI_LOGD("%s(): No SAR found in container. Set sarWidth : sarHeight(1 : 1) as default.",
              "checkSampleAspectRatio");
+}
+
+}  // namespace
+
+void generateVideoCodecData(const FileReader& reader, Track* track) {
+    const char* mime = trackMime(*track);
+    track->mBadTrack = track->mTable.size() == 0;
+    if (track->mBadTrack || track->mIsSubtitle) return;
+    if (track->mIsAVC && track->info.mAVCStyle == kLengthPrefixes) probeAvcFraming(reader, track);
+
+    AVI_LOGV("generateCodecData for [%s]:", mime);
+    checkSampleAspectRatio(track);
+    if (track->mIsAVC) {
+        generateAvcCodecData(reader, track);
+    } else if (track->mIsHEVC) {
+        generateHevcCodecData(reader, track);
+    } else if (isMime(mime, MEDIA_MIMETYPE_VIDEO_MPEG2)) {
+        generateMPEG2CodecData(reader, track);
+    }
 }
 
 }  // namespace android

@@ -2,6 +2,7 @@
 //
 // Filling of the tracks' sample tables, one sample at a time: every index reader ends here.
 #include "RuvoAVIExtractor.h"
+#include "codec/VideoCodecData.h"
 #include "support/Check.h"
 #include "support/Log.h"
 
@@ -43,7 +44,7 @@ void addSyncFlag(const RuvoAVISample& sample, Track* track) {
 
 status_t RuvoAVIExtractor::addSample(const RuvoAVISample* sample, Track* track) {
     if (track == nullptr) {
-        AVI_LOG_FAILURE("addSample", ERROR_MALFORMED, __LINE__);
+        fail("addSample", ERROR_MALFORMED, __LINE__);
         return ERROR_MALFORMED;
     }
     SampleTable* table = &track->mTable;
@@ -58,7 +59,8 @@ status_t RuvoAVIExtractor::addSample(const RuvoAVISample* sample, Track* track) 
     track->mTotalSampleSize += sample->size;
     track->mTotalSyncSamples += sample->isSyncSample;
     if (track->mIsVideo) addSyncFlag(*sample, track);
-    if (track->mIsVideo && table->size() == kSamplesBeforeCodecData) generateVideoCodecData(track);
+    if (track->mIsVideo && table->size() == kSamplesBeforeCodecData)
+        generateVideoCodecData(mReader, track);
     return OK;
 }
 
@@ -79,7 +81,7 @@ status_t RuvoAVIExtractor::addSampleById(uint32_t streamNumber, const RuvoAVISam
 
 status_t RuvoAVIExtractor::clearSamples(Track* track) {
     if (track == nullptr) {
-        AVI_LOG_FAILURE("clearSamples", ERROR_MALFORMED, __LINE__);
+        fail("clearSamples", ERROR_MALFORMED, __LINE__);
         return ERROR_MALFORMED;
     }
     track->mTable.clear();

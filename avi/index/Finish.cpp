@@ -9,6 +9,7 @@
 
 #include "RuvoAVIExtractor.h"
 #include "TrackDump.h"
+#include "codec/AudioCodecData.h"
 #include "support/BitRate.h"
 #include "support/Log.h"
 #include "support/Mime.h"
@@ -124,7 +125,7 @@ void RuvoAVIExtractor::finishTrack(Track* track) {
         AVI_LOGE("%s(%s): The track doesn't have any samples!", "finishParse", mime);
         track->mBadTrack = true;
     } else if (track->mIsAudio) {
-        generateAudioCodecData(track);
+        generateAudioCodecData(mReader, track);
         mime = trackMime(*track);
     }
     if (track->mBadTrack) {
@@ -146,7 +147,7 @@ void RuvoAVIExtractor::finishTrack(Track* track) {
 
 status_t RuvoAVIExtractor::updateSamples(Track* track) {
     if (track == nullptr || track->info.mRate == 0) {
-        AVI_LOG_FAILURE("updateSamples", ERROR_MALFORMED, __LINE__);
+        fail("updateSamples", ERROR_MALFORMED, __LINE__);
         return ERROR_MALFORMED;
     }
     track->info.mIsVBRWise = isVbrWise(*track);

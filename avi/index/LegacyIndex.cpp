@@ -64,7 +64,7 @@ status_t RuvoAVIExtractor::parseIDX1(int64_t start, int64_t end) {
         uint8_t bytes[kIdx1EntriesPerRead * kIdx1EntrySize];
         const size_t size = static_cast<size_t>(count * kIdx1EntrySize);
         if (!mReader.readExactly(start + first * kIdx1EntrySize, bytes, size)) {
-            AVI_LOG_FAILURE("parseIDX1", ERROR_IO, __LINE__);
+            fail("parseIDX1", ERROR_IO, __LINE__);
             return ERROR_IO;
         }
         added += addIdx1Entries(bytes, size, first == 0);

@@ -125,7 +125,7 @@ status_t RuvoAVIExtractor::parseDataChunk(uint32_t offset, FourCC id, uint32_t s
                                           uint32_t* emptyHeaders) {
     if (toWord(id) == 0 && size == 0) {
         if (++*emptyHeaders < kMaxEmptyHeaders) return OK;
-        AVI_LOG_FAILURE("parseDataChunk", ERROR_UNSUPPORTED, __LINE__);
+        fail("parseDataChunk", ERROR_UNSUPPORTED, __LINE__);
         return ERROR_UNSUPPORTED;
     }
     *emptyHeaders = 0;

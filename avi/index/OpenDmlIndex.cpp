@@ -70,11 +70,6 @@ void logSuperEntry(uint32_t i, const uint8_t (&bytes)[kSuperEntrySize], const Su
              entry.duration, entry.size, ull(entry.offset));
 }
 
-status_t failure(const char* function, status_t status, int line) {
-    AVI_LOG_FAILURE(function, status, line);
-    return status;
-}
-
 }  // namespace
 
 bool RuvoAVIExtractor::readIndexHeader(int64_t start, RuvoAVIIndexChunk* out) const {
@@ -93,9 +88,10 @@ bool RuvoAVIExtractor::readIndexHeader(int64_t start, RuvoAVIIndexChunk* out) co
 }
 
 status_t RuvoAVIExtractor::parseINDX(int64_t start, int64_t end) {
-    if (end - start < kIndexHeaderSize) return failure("parseINDX", ERROR_MALFORMED, __LINE__);
+    if (end - start < kIndexHeaderSize)
+        return fail("parseINDX", status_t{ERROR_MALFORMED}, __LINE__);
     RuvoAVIIndexChunk header;
-    if (!readIndexHeader(start, &header)) return failure("parseINDX", ERROR_IO, __LINE__);
+    if (!readIndexHeader(start, &header)) return fail("parseINDX", status_t{ERROR_IO}, __LINE__);
     AVI_LOGV("==== parseINDX(pos: %llX, end: %llX) ====", ull(start), ull(end));
     logIndexHeader(header);
     if (header.indexType == kStandardIndex) {
@@ -103,13 +99,13 @@ status_t RuvoAVIExtractor::parseINDX(int64_t start, int64_t end) {
         return parseChunkIndex(start, end, &header);
     }
     if (header.indexType != kSuperIndex) {
-        return failure("parseINDX", ERROR_UNSUPPORTED, __LINE__);
+        return fail("parseINDX", status_t{ERROR_UNSUPPORTED}, __LINE__);
     }
     AVI_LOGD("%s(): The track has a super index with %d entries...", "parseINDX",
              static_cast<int>(header.entriesInUse));
     // Eight bytes an entry, not sixteen: some writers leave the chunk short of its last entries.
     if (end - start < int64_t{header.entriesInUse} * kStandardEntrySize) {
-        return failure("parseINDX", ERROR_MALFORMED, __LINE__);
+        return fail("parseINDX", status_t{ERROR_MALFORMED}, __LINE__);
     }
     if (static_cast<int32_t>(header.entriesInUse) <= 0) return OK;
     return parseSuperIndex(start, header);
@@ -121,7 +117,7 @@ status_t RuvoAVIExtractor::parseSuperIndex(int64_t start, const RuvoAVIIndexChun
         uint8_t bytes[kSuperEntrySize];
         if (!mReader.readExactly(start + kIndexHeaderSize + kSuperEntrySize * i, bytes,
                                  sizeof(bytes))) {
-            return failure("parseINDX", ERROR_IO, __LINE__);
+            return fail("parseINDX", status_t{ERROR_IO}, __LINE__);
         }
         SuperEntry entry;
         ByteReader in(bytes, sizeof(bytes));
@@ -134,7 +130,7 @@ status_t RuvoAVIExtractor::parseSuperIndex(int64_t start, const RuvoAVIIndexChun
                  static_cast<int>(kChunkHeaderSize), entry.size);
         const uint64_t position = wrapAdd64(wrapAdd64(base, entry.offset), kChunkHeaderSize);
         const status_t err = parseStandardIndexAt(position, entry.size);
-        if (err != OK) return failure("parseINDX", err, __LINE__);
+        if (err != OK) return fail("parseINDX", err, __LINE__);
     }
     return OK;
 }
@@ -159,10 +155,10 @@ status_t RuvoAVIExtractor::parseChunkIndex(int64_t start, int64_t end,
         header = *known;
     } else {
         if (end - start < kIndexHeaderSize) {
-            return failure("parseChunkIndex", ERROR_MALFORMED, __LINE__);
+            return fail("parseChunkIndex", status_t{ERROR_MALFORMED}, __LINE__);
         }
         if (!readIndexHeader(start, &header)) {
-            return failure("parseChunkIndex", ERROR_IO, __LINE__);
+            return fail("parseChunkIndex", status_t{ERROR_IO}, __LINE__);
         }
         AVI_LOGV("==== parseChunkIndex(pos: %lld, end: %lld) ====", ll(start), ll(end));
         logIndexHeader(header);
@@ -170,7 +166,7 @@ status_t RuvoAVIExtractor::parseChunkIndex(int64_t start, int64_t end,
     const int64_t entries = start + kIndexHeaderSize;
     const bool isChunkIndex = header.indexType == kStandardIndex && header.indexSubType == 0;
     if (!isChunkIndex || (end - entries) / kStandardEntrySize < int64_t{header.entriesInUse}) {
-        return failure("parseChunkIndex", ERROR_MALFORMED, __LINE__);
+        return fail("parseChunkIndex", status_t{ERROR_MALFORMED}, __LINE__);
     }
     uint32_t added = 0;
     const status_t err = addStandardEntries(entries, header, &added);

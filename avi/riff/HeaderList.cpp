@@ -76,7 +76,7 @@ status_t RuvoAVIExtractor::parseHDRL(int64_t start, int64_t end) {
         const HeaderRead read = chunk.advance();
         if (read == HeaderRead::kZeroTail) break;
         if (read == HeaderRead::kUnreadable) {
-            AVI_LOG_FAILURE("parseHDRL", ERROR_IO, kLineUnreadableHdrlChunk);
+            fail("parseHDRL", ERROR_IO, kLineUnreadableHdrlChunk);
             return ERROR_IO;
         }
         const status_t err = parseHeaderChunk(chunk, &foundAvih, &streamLists);
@@ -125,11 +125,11 @@ status_t RuvoAVIExtractor::parseHeaderChunk(const ChunkWalker& chunk, bool* foun
 status_t RuvoAVIExtractor::parseAVIH(int64_t start, int64_t end) {
     uint8_t bytes[kMainHeaderSize];
     if (end - start < static_cast<int64_t>(sizeof(bytes))) {
-        AVI_LOG_FAILURE("parseAVIH", ERROR_MALFORMED, kLineShortAvih);
+        fail("parseAVIH", ERROR_MALFORMED, kLineShortAvih);
         return ERROR_MALFORMED;
     }
     if (!mReader.readExactly(start, bytes, sizeof(bytes))) {
-        AVI_LOG_FAILURE("parseAVIH", ERROR_IO, kLineUnreadableAvih);
+        fail("parseAVIH", ERROR_IO, kLineUnreadableAvih);
         return ERROR_IO;
     }
     const MainHeader header = readMainHeader(bytes);

@@ -65,7 +65,7 @@ status_t RuvoAVIExtractor::parseFirstRIFF() {
     status_t err = walkFirstRIFF(&found);
     if (err != OK) return err;
     if (!found.movi) {
-        AVI_LOG_FAILURE("parseFirstRIFF", ERROR_MALFORMED, kLineNoMovi);
+        fail("parseFirstRIFF", ERROR_MALFORMED, kLineNoMovi);
         return ERROR_MALFORMED;
     }
 
@@ -78,7 +78,7 @@ status_t RuvoAVIExtractor::parseFirstRIFF() {
 
     err = finishParse();
     if (err != OK) {
-        AVI_LOG_FAILURE("parseFirstRIFF", err, kLineNoUsableTrack);
+        fail("parseFirstRIFF", err, kLineNoUsableTrack);
         return err;
     }
     mMetaDataRead = true;
@@ -88,7 +88,7 @@ status_t RuvoAVIExtractor::parseFirstRIFF() {
 status_t RuvoAVIExtractor::walkFirstRIFF(FirstRiffState* found) {
     ChunkHeader riff;
     if (readChunkHeader(mReader, 0, &riff) != HeaderRead::kWhole) {
-        AVI_LOG_FAILURE("parseFirstRIFF", ERROR_IO, kLineUnreadableFirstRiff);
+        fail("parseFirstRIFF", ERROR_IO, kLineUnreadableFirstRiff);
         return ERROR_IO;
     }
     AVI_LOGV("%s(): ID %X, size %X, type %X", "parseFirstRIFF", toWord(riff.id), riff.size,
@@ -214,7 +214,7 @@ bool RuvoAVIExtractor::videoFullyIndexed() const {
 status_t RuvoAVIExtractor::parseMoreRIFF(int64_t offset, size_t n) {
     ChunkHeader riff;
     if (readChunkHeader(mReader, offset, &riff) != HeaderRead::kWhole) {
-        AVI_LOG_FAILURE("parseMoreRIFF", ERROR_MALFORMED, kLineUnreadableMoreRiff);
+        fail("parseMoreRIFF", ERROR_MALFORMED, kLineUnreadableMoreRiff);
         return ERROR_MALFORMED;
     }
     AVI_LOGV("%s(): ID %X, size %X, type %X", "parseMoreRIFF", toWord(riff.id), riff.size,
@@ -232,7 +232,7 @@ status_t RuvoAVIExtractor::parseMoreRIFF(int64_t offset, size_t n) {
         const HeaderRead read = chunk.advance();
         if (read == HeaderRead::kZeroTail) break;
         if (read == HeaderRead::kUnreadable) {
-            AVI_LOG_FAILURE("parseMoreRIFF", ERROR_IO, kLineUnreadableMoreRiffChunk);
+            fail("parseMoreRIFF", ERROR_IO, kLineUnreadableMoreRiffChunk);
             return ERROR_IO;
         }
         logChunk("parseMoreRIFF", chunk);

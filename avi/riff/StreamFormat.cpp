@@ -30,7 +30,7 @@ void logAudioSpecificConfig(const uint8_t* data) {
 }
 
 status_t failure(status_t status, int line) {
-    AVI_LOG_FAILURE("parseSTRF", status, line);
+    fail("parseSTRF", status, line);
     return status;
 }
 

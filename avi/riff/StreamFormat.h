@@ -11,8 +11,6 @@ namespace android {
 constexpr size_t kWaveFormatSize = 16;  // without the size of the extra data
 constexpr size_t kBitmapInfoSize = 40;
 
-constexpr uint16_t kWaveTagExtensible = 0xFFFE;  // the codec is told by a GUID
-
 struct StreamFormat {
     int64_t offset = 0;     // of the chunk's payload in the file
     size_t size = 0;        // of the payload

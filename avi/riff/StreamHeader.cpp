@@ -69,11 +69,11 @@ int32_t roundFrameRate(float frameRate) {
 status_t RuvoAVIExtractor::parseSTRH(int64_t start, int64_t end) {
     uint8_t bytes[kStreamHeaderSize];
     if (end - start < static_cast<int64_t>(sizeof(bytes))) {
-        AVI_LOG_FAILURE("parseSTRH", ERROR_MALFORMED, kLineShortStrh);
+        fail("parseSTRH", ERROR_MALFORMED, kLineShortStrh);
         return ERROR_MALFORMED;
     }
     if (!mReader.readExactly(start, bytes, sizeof(bytes))) {
-        AVI_LOG_FAILURE("parseSTRH", ERROR_IO, kLineUnreadableStrh);
+        fail("parseSTRH", ERROR_IO, kLineUnreadableStrh);
         return ERROR_IO;
     }
     const StreamHeader h = readStreamHeader(bytes);

@@ -50,7 +50,7 @@ status_t RuvoAVIExtractor::parseSTRL(int64_t start, int64_t end, uint32_t stream
         const HeaderRead read = chunk.advance();
         if (read == HeaderRead::kZeroTail) break;
         if (read == HeaderRead::kUnreadable) {
-            AVI_LOG_FAILURE("parseSTRL", ERROR_IO, kLineUnreadableStrlChunk);
+            fail("parseSTRL", ERROR_IO, kLineUnreadableStrlChunk);
             return ERROR_IO;
         }
         const bool usable = parseStreamChunk(chunk, &seen) && !mCurrentTrack->mBadTrack;

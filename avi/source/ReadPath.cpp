@@ -79,7 +79,7 @@ media_status_t RuvoAVISource::acquireBuffer(MediaBufferHelper** out, size_t* cap
 
 media_status_t RuvoAVISource::acquireChunkBuffer() {
     if (acquireBuffer(&mBuffer, &mBufferCapacity) != AMEDIA_OK) {
-        AVI_LOG_FAILURE("read", AMEDIA_ERROR_UNKNOWN, __LINE__);
+        fail("read", AMEDIA_ERROR_UNKNOWN, __LINE__);
         return AMEDIA_ERROR_UNKNOWN;
     }
     AVI_CHECK_TEXT(mBuffer != nullptr, "mBuffer != NULL");

@@ -35,7 +35,7 @@ uint32_t readSampleSize(const TrackInfo& info, const char* mime) {
 }
 
 media_status_t startFailure(int line) {
-    AVI_LOG_FAILURE("start", AMEDIA_ERROR_MALFORMED, line);
+    fail("start", AMEDIA_ERROR_MALFORMED, line);
     return AMEDIA_ERROR_MALFORMED;
 }
 

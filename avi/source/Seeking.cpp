@@ -73,7 +73,7 @@ status_t RuvoAVISource::getSampleIndexBySeekTime(int64_t timeUs, SeekMode mode, 
 }
 
 status_t RuvoAVISource::beyondEnd(int line) const {
-    AVI_LOG_FAILURE("getSampleIndexBySeekTime", ERROR_END_OF_STREAM, line);
+    fail("getSampleIndexBySeekTime", ERROR_END_OF_STREAM, line);
     return ERROR_END_OF_STREAM;
 }
 

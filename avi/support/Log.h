@@ -38,6 +38,14 @@ constexpr unsigned long long ull(uint64_t value) {
 #define AVI_TRACE(...) \
     static_cast<void>(::android::verboseLogEnabled() && AVI_LOG(ANDROID_LOG_VERBOSE, __VA_ARGS__))
 
-// A failure of `function` with a negative status, printed without its sign in hexadecimal.
-#define AVI_LOG_FAILURE(function, status, line) \
-    AVI_LOGE("%s(): error -%X @line%d", function, static_cast<unsigned>(-(status)), line)
+namespace android {
+
+// Logs that `function` failed with a negative status, printed without its sign in hexadecimal, and
+// returns the status.
+template <typename Status>
+Status fail(const char* function, Status status, int line) {
+    AVI_LOGE("%s(): error -%X @line%d", function, static_cast<unsigned>(-status), line);
+    return status;
+}
+
+}  // namespace android

@@ -2,6 +2,8 @@
 
 #include "tests/behaviour/logs/LogPattern.h"
 
+#include <gtest/gtest.h>
+
 namespace avitest {
 namespace {
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "avi/codec/AacConfig.h"
+#include "avi/codec/AacHeaders.h"
 
 #include <tuple>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "codec/HevcConfig.h"
+#include "codec/HevcParameterSets.h"
 
 #include "support/ByteWriter.h"
 #include "support/Log.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "codec/AacConfig.h"
+#include "codec/AacHeaders.h"
 
 #include "support/Arithmetic.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "avi/codec/HevcConfig.h"
+#include "avi/codec/HevcParameterSets.h"
 
 #include <optional>
 #include <vector>

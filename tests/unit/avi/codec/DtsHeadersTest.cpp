@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "avi/codec/Dts.h"
+#include "avi/codec/DtsHeaders.h"
 
 #include <utility>
 #include <vector>

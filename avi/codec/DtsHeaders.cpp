@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "codec/Dts.h"
+#include "codec/DtsHeaders.h"
 
 #include <media/stagefright/MediaErrors.h>
 #include <media/stagefright/foundation/ByteUtils.h>
