@@ -18,4 +18,22 @@ HeaderRead readChunkHeader(const FileReader& reader, int64_t position, ChunkHead
     return header.size == 0 ? HeaderRead::kZeroTail : HeaderRead::kCutType;
 }
 
+bool ChunkWalker::advancePlain() {
+    ChunkHeader header;
+    if (readChunkHeader(mReader, mNext, &header) == HeaderRead::kUnreadable) return false;
+    stepOnto(header);
+    return true;
+}
+
+bool ChunkWalker::advanceTag() {
+    uint8_t bytes[kChunkHeaderSize];
+    if (!mReader.readExactly(mNext, bytes, sizeof(bytes))) return false;
+    ChunkHeader header;  // u32 id | u32 size
+    ByteReader in(bytes, sizeof(bytes));
+    in.code(&header.id);
+    in.u32(&header.size);
+    stepOnto(header);
+    return true;
+}
+
 }  // namespace android

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Walks the sibling chunks of one RIFF list: the one place where chunks are advanced.
+// Walks the sibling chunks of one RIFF list: the one place where padded chunks are advanced. (The
+// segments at the top level of a file have no pad bytes and are listed by riff/RiffSegments.cpp.)
 // Invariant: every successful step moves next() at least 8 bytes on, so every walk ends.
 #pragma once
 
@@ -51,18 +52,21 @@ class ChunkWalker {
     }
 
     // The same where no lists are expected: the 8 bytes of a plain chunk's header suffice.
-    bool advancePlain() {
-        ChunkHeader header;
-        if (readChunkHeader(mReader, mNext, &header) == HeaderRead::kUnreadable) return false;
-        stepOnto(header);
-        return true;
-    }
+    bool advancePlain();
+
+    // The same where a chunk may end right after its header's 8 bytes: no more are read.
+    bool advanceTag();
 
     const ChunkHeader& header() const { return mHeader; }
     int64_t position() const { return mPosition; }                        // of the chunk's header
     int64_t payload() const { return mPosition + kChunkHeaderSize; }      // of a plain chunk
-    int64_t listContents() const { return mPosition + kListHeaderSize; }  // behind the list type
-    int64_t next() const { return mNext; }  // end of this chunk, pad byte included
+    int64_t listContents() const { return mPosition + kListHeaderSize; }  // after the list type
+    int64_t payloadEnd() const { return payload() + mHeader.size; }       // without pad byte
+    // End of this chunk with its pad byte. next() is the same modulo 2^32 from the payload on, as
+    // writers of sizes near 4 GiB reckon, so that a walk goes on behind a header of size
+    // 0xFFFFFFFF.
+    int64_t paddedEnd() const { return payloadEnd() + (mHeader.size & 1); }
+    int64_t next() const { return mNext; }
 
     bool isList(FourCC type) const { return mHeader.id == fourcc("LIST") && mHeader.type == type; }
 

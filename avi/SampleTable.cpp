@@ -26,6 +26,7 @@ void SampleTable::clear() {
     mSampleSyncs.clear();
     mSampleSizes.clear();
     mSampleOffsets.clear();
+    mIsFromOpenDml = false;
 }
 
 void SampleTable::correctSyncFlag(size_t i, bool isSync) {

@@ -46,8 +46,12 @@ class SampleTable {
     // not say so.
     void makeRunningTotals();
 
-    // Forgets all rows but the block totals.
+    // Forgets all rows but the block totals, and where they came from.
     void clear();
+
+    // Marks a table that an OpenDML index filled: it lists all chunks of the stream.
+    void markFromOpenDml() { mIsFromOpenDml = true; }
+    bool isFromOpenDml() const { return mIsFromOpenDml; }
 
     // REQUIRES of all below: i < size().
 
@@ -89,6 +93,7 @@ class SampleTable {
     Vector<int8_t> mSampleSyncs;
     Vector<int32_t> mSampleBlockSizes;
     Sizes mSizes = Sizes::kOfChunks;
+    bool mIsFromOpenDml = false;
 };
 
 }  // namespace android

@@ -12,7 +12,6 @@
 #include <utils/StrongPointer.h>
 #include <utils/Vector.h>
 
-#include <array>
 #include <atomic>
 #include <mutex>
 
@@ -21,20 +20,6 @@
 #include "support/MediaFormat.h"
 
 namespace android {
-
-// The header of an OpenDML index chunk.
-// u16 longsPerEntry | u8 indexSubType | u8 indexType | u32 entriesInUse | fourcc chunkId |
-// u64 base offset | u32 reserved
-struct RuvoAVIIndexChunk {
-    uint16_t longsPerEntry = 0;
-    uint8_t indexSubType = 0;
-    uint8_t indexType = 0;
-    uint32_t entriesInUse = 0;
-    FourCC chunkId{};
-    uint32_t baseOffsetL = 0;
-    uint32_t baseOffsetH = 0;
-    uint32_t reserved3 = 0;
-};
 
 // Where the audio tracks of a file should resume after a video seek. One record an audio track,
 // shared by all sources of the file; each time is read and written as a single value.
@@ -73,11 +58,10 @@ struct TrackInfo {
     uint16_t mFormatTag = 0;
     uint16_t mChannels = 0;
     uint32_t mSamplesPerSec = 0;
-    uint16_t mSize = 0;                        // of the extra data of the wave format
-    std::array<uint8_t, 40> mBitmapInfo = {};  // the bitmap header of a video or subtitle stream
+    uint16_t mSize = 0;  // of the extra data of the wave format
 };
 
-// One stream of the file. Owned by the extractor's list; its address is stable.
+// One stream of the file. Owned by a TrackList; its address is stable.
 struct Track {
     MediaFormatPtr meta{AMediaFormat_new()};
     // Guards meta once sources exist: the framework copies the format while a source reads it.

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// Filling of the tracks' sample tables, one sample at a time: every index reader ends here.
-#include "RuvoAVIExtractor.h"
+#include "index/AddSample.h"
+
+#include <algorithm>
+
+#include "ChunkWalker.h"
 #include "codec/VideoCodecData.h"
 #include "support/Check.h"
 #include "support/Log.h"
@@ -42,54 +44,41 @@ void addSyncFlag(const RuvoAVISample& sample, Track* track) {
 
 }  // namespace
 
-status_t RuvoAVIExtractor::addSample(const RuvoAVISample* sample, Track* track) {
-    if (track == nullptr) {
-        fail("addSample", ERROR_MALFORMED, __LINE__);
-        return ERROR_MALFORMED;
-    }
+void addSample(const FileReader& reader, const RuvoAVISample& sample, Track* track) {
     SampleTable* table = &track->mTable;
     // An empty video chunk is a dropped frame and takes a frame's time, but nothing can be shown
     // before the first real one. Empty audio chunks take no time.
-    if (sample->size == 0 && (!track->mIsVideo || table->isEmpty())) return OK;
-    if (isTableFull(track, mReader.size())) return OK;
+    if (sample.size == 0 && (!track->mIsVideo || table->isEmpty())) return;
+    if (isTableFull(track, reader.size())) return;
 
-    table->add(*sample, track->info.mSampleSize != 0 ? SampleTable::Sizes::kRunningTotals
-                                                     : SampleTable::Sizes::kOfChunks);
-    track->mMaxSampleSize = std::max(track->mMaxSampleSize, sample->size);
-    track->mTotalSampleSize += sample->size;
-    track->mTotalSyncSamples += sample->isSyncSample;
-    if (track->mIsVideo) addSyncFlag(*sample, track);
-    if (track->mIsVideo && table->size() == kSamplesBeforeCodecData)
-        generateVideoCodecData(mReader, track);
-    return OK;
+    table->add(sample, track->info.mSampleSize != 0 ? SampleTable::Sizes::kRunningTotals
+                                                    : SampleTable::Sizes::kOfChunks);
+    track->mMaxSampleSize = std::max(track->mMaxSampleSize, sample.size);
+    track->mTotalSampleSize += sample.size;
+    track->mTotalSyncSamples += sample.isSyncSample;
+    if (!track->mIsVideo) return;
+    addSyncFlag(sample, track);
+    if (table->size() == kSamplesBeforeCodecData) generateVideoCodecData(reader, track);
 }
 
-Track* RuvoAVIExtractor::trackByStream(uint32_t streamNumber) const {
-    return streamNumber < mTracksByStream.size() ? mTracksByStream[streamNumber] : nullptr;
-}
-
-status_t RuvoAVIExtractor::addSampleById(uint32_t streamNumber, const RuvoAVISample* sample) {
-    Track* track = trackByStream(streamNumber);
-    if (track == nullptr) return OK;
-    if (sample->offset >= mReader.size()) {
+void addSampleById(const FileReader& reader, const TrackList& tracks, uint32_t streamNumber,
+                   const RuvoAVISample& sample) {
+    Track* track = tracks.byStream(streamNumber);
+    if (track == nullptr) return;
+    if (sample.offset >= reader.size()) {
         AVI_LOGE("%s(): Sample offset(%lld) exceeds the fileSize(%lld)! @L%d", "addSampleById",
-                 ll(sample->offset), ll(mReader.size()), __LINE__);
-        return OK;
+                 ll(sample.offset), ll(reader.size()), __LINE__);
+        return;
     }
-    return addSample(sample, track);
+    addSample(reader, sample, track);
 }
 
-status_t RuvoAVIExtractor::clearSamples(Track* track) {
-    if (track == nullptr) {
-        fail("clearSamples", ERROR_MALFORMED, __LINE__);
-        return ERROR_MALFORMED;
-    }
+void clearSamples(Track* track) {
     track->mTable.clear();
     track->mMaxSampleSize = 0;
     track->mMaxSyncSampleSize = 0;
     track->mTotalSampleSize = 0;
     track->mThumbNailIndex = 0;
-    return OK;
 }
 
 }  // namespace android

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// Sample tables of files without an index: the movi list is walked chunk by chunk.
+#include "index/MoviScan.h"
+
+#include <media/stagefright/MediaErrors.h>
+
 #include <algorithm>
 #include <atomic>
 
-#include "RuvoAVIExtractor.h"
+#include "index/AddSample.h"
 #include "index/StreamNumber.h"
 #include "support/Log.h"
 
@@ -40,95 +42,85 @@ ChunkKind kindOf(FourCC id) {
     return is("00pc") ? ChunkKind::kPalette : ChunkKind::kOther;
 }
 
-bool isIncomplete(const ChunkWalker& chunk, int64_t end) {
-    return chunk.header().size > end - chunk.payload() || chunk.next() > end;
-}
-
 }  // namespace
 
-status_t RuvoAVIExtractor::parseMOVIMore() {
-    MoviScanState scan;
-    const int64_t start = int64_t{mMoviStart} + kListHeaderSize;
-    const int64_t end = std::min(mReader.size(), start + mMoviSize + (mMoviSize & 1));
+void MoviScan::parseMOVIMore(const MoviRange& movi) {
+    const int64_t start = int64_t{movi.start} + kListHeaderSize;
+    const int64_t end = std::min(mReader.size(), start + movi.size + (movi.size & 1));
     AVI_LOGV("%s(): setup index from %llX to %llX VS fileSize %llX", "parseMOVIMore",
              ull(static_cast<uint64_t>(start)), ull(static_cast<uint64_t>(end)),
              ull(static_cast<uint64_t>(mReader.size())));
     ChunkWalker chunk(mReader, start);
-    while (chunk.next() < end && !scan.done) {
+    while (chunk.next() < end && !mDone) {
         const int64_t position = chunk.next();
         const HeaderRead read = chunk.advance();
         if (read == HeaderRead::kUnreadable) {
             AVI_LOGW("%s(): Failed to read header at %lld, stop parsing", "parseMOVIMore",
                      ll(position));
         }
-        if (read != HeaderRead::kWhole) break;
-        if (isIncomplete(chunk, end)) {
+        if (read != HeaderRead::kWhole) return;
+        if (chunk.paddedEnd() > end) {
             AVI_LOGW("%s(): skip last incomplete chunk/list at %lld-%lld", "parseMOVIMore",
-                     ll(position), ll(chunk.next()));
-            break;
+                     ll(position), ll(chunk.paddedEnd()));
+            return;
         }
-        scanChunk(chunk, &scan);
+        scanChunk(chunk);
     }
-    mHasIndex = true;
-    return OK;
 }
 
 // One chunk at the top level of the movi list.
-void RuvoAVIExtractor::scanChunk(const ChunkWalker& chunk, MoviScanState* scan) {
+void MoviScan::scanChunk(const ChunkWalker& chunk) {
     const ChunkHeader& header = chunk.header();
     if (header.id == fourcc("LIST")) {
         AVI_LOGV("parseMOVIMore(): type 0x%08x:%c%c%c%c", FOURCC_ARGS(header.type));
         if (header.type == fourcc("rec ")) {
-            scanRecordList(chunk, scan);
+            scanRecordList(chunk);
         } else {
             AVI_LOGW("parseMOVIMore(): unknown list 0x%08x:%c%c%c%c", FOURCC_ARGS(header.type));
         }
         return;
     }
-    const status_t err = parseDataChunk(static_cast<uint32_t>(chunk.payload()), header.id,
-                                        header.size, &scan->emptyHeaders);
+    const status_t err =
+        parseDataChunk(static_cast<uint32_t>(chunk.payload()), header.id, header.size);
     if (err == kSkipped) {
-        scan->done = reachesUnknownLimit(scan);
+        mDone = reachesUnknownLimit();
     } else if (err != OK) {
         AVI_LOGE("%s(): Failed to parseDataChunk()! err = %d", "parseMOVIMore", err);
-        scan->done = true;
+        mDone = true;
     }
 }
 
 // The chunks of one 'rec ' list, in which interleaving writers group what belongs together. A limit
 // ends the list, not the scan.
-void RuvoAVIExtractor::scanRecordList(const ChunkWalker& list, MoviScanState* scan) {
-    scan->emptyHeaders = 0;
+void MoviScan::scanRecordList(const ChunkWalker& list) {
+    mEmptyHeaders = 0;
     ChunkWalker chunk(mReader, list.listContents());
     while (chunk.next() < list.next()) {
-        if (!chunk.advancePlain() || isIncomplete(chunk, list.next())) return;
-        const status_t err =
-            parseDataChunk(static_cast<uint32_t>(chunk.payload()), chunk.header().id,
-                           chunk.header().size, &scan->emptyHeaders);
+        if (!chunk.advancePlain() || chunk.paddedEnd() > list.next()) return;
+        const status_t err = parseDataChunk(static_cast<uint32_t>(chunk.payload()),
+                                            chunk.header().id, chunk.header().size);
         if (err == kSkipped) {
-            if (reachesUnknownLimit(scan)) return;
+            if (reachesUnknownLimit()) return;
         } else if (err != OK) {
             return;
         }
     }
 }
 
-bool RuvoAVIExtractor::reachesUnknownLimit(MoviScanState* scan) {
-    if (++scan->unknownChunks != kMaxUnknownChunks) return false;
+bool MoviScan::reachesUnknownLimit() {
+    if (++mUnknownChunks != kMaxUnknownChunks) return false;
     AVI_LOGW("%s(): Unknown chunk num > 100, stop scaning!", "parseMOVIMore");
     return true;
 }
 
 // Adds a data chunk to its track. Positions are 32-bit: files without an index are old. Without an
 // index nothing tells key frames, so every sample counts as one until a seek looks at it.
-status_t RuvoAVIExtractor::parseDataChunk(uint32_t offset, FourCC id, uint32_t size,
-                                          uint32_t* emptyHeaders) {
+status_t MoviScan::parseDataChunk(uint32_t offset, FourCC id, uint32_t size) {
     if (toWord(id) == 0 && size == 0) {
-        if (++*emptyHeaders < kMaxEmptyHeaders) return OK;
-        fail("parseDataChunk", ERROR_UNSUPPORTED, __LINE__);
-        return ERROR_UNSUPPORTED;
+        if (++mEmptyHeaders < kMaxEmptyHeaders) return OK;
+        return fail("parseDataChunk", status_t{ERROR_UNSUPPORTED}, __LINE__);
     }
-    *emptyHeaders = 0;
+    mEmptyHeaders = 0;
     switch (kindOf(id)) {
         case ChunkKind::kPalette:
             AVI_LOGW("parseDataChunk(): NOT support chunk 0x%08x:%c%c%c%c", FOURCC_ARGS(id));
@@ -139,10 +131,10 @@ status_t RuvoAVIExtractor::parseDataChunk(uint32_t offset, FourCC id, uint32_t s
         default:
             break;
     }
-    const Track* track = trackByStream(streamNumber(id));
-    if (track != nullptr && track->mINDXValid) return OK;  // it has its table already
-    const RuvoAVISample sample = {offset, size, 1};
-    return addSampleById(streamNumber(id), &sample);
+    const Track* track = mTracks.byStream(streamNumber(id));
+    if (track != nullptr && track->mTable.isFromOpenDml()) return OK;
+    addSampleById(mReader, mTracks, streamNumber(id), {offset, size, 1});
+    return OK;
 }
 
 }  // namespace android

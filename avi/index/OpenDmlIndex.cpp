@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// The indexes of OpenDML files (AVI 2.0): a super index in the stream list points at standard
-// indexes spread through the file, each of which lists chunks of one stream with a 64-bit base.
+#include "index/OpenDmlIndex.h"
+
+#include <media/stagefright/MediaErrors.h>
 #include <stdio.h>
 
 #include <algorithm>
 
-#include "RuvoAVIExtractor.h"
+#include "ChunkWalker.h"
+#include "index/AddSample.h"
 #include "support/ByteReader.h"
 #include "support/Check.h"
 #include "support/Log.h"
@@ -70,9 +71,28 @@ void logSuperEntry(uint32_t i, const uint8_t (&bytes)[kSuperEntrySize], const Su
              entry.duration, entry.size, ull(entry.offset));
 }
 
+void logChunkIndexEnd(const Track& track, const RuvoAVIIndexChunk& header, uint32_t added,
+                      int64_t position) {
+    const SampleTable& table = track.mTable;
+    const bool isEmpty = table.isEmpty();
+    const size_t last = isEmpty ? 0 : table.size() - 1;
+    const char* mime = nullptr;
+    AVI_CHECK_TEXT(AMediaFormat_getString(track.meta.get(), AMEDIAFORMAT_KEY_MIME, &mime),
+                   "AMediaFormat_getString(mLastTrack->meta, AMEDIAFORMAT_KEY_MIME, &mime)");
+    AVI_LOGD("[%s] sample[%zu] (baseOff %llX/%llX, size %d, sync %d]) @line%d", mime, table.size(),
+             ull(baseOffset(header)), ull(isEmpty ? 0 : static_cast<uint64_t>(table.offset(last))),
+             isEmpty ? 0 : static_cast<int>(table.chunkSize(last)),
+             isEmpty ? 0 : table.syncFlag(last), __LINE__);
+    AVI_LOGD("end %s() (%d samples added) @%llX...\n", "parseChunkIndex", static_cast<int>(added),
+             ull(static_cast<uint64_t>(position)));
+}
+
 }  // namespace
 
-bool RuvoAVIExtractor::readIndexHeader(int64_t start, RuvoAVIIndexChunk* out) const {
+OpenDmlIndex::OpenDmlIndex(const FileReader& reader)
+    : mReader(reader), mEntriesLeft(reader.size() / kChunkHeaderSize) {}
+
+bool OpenDmlIndex::readIndexHeader(int64_t start, RuvoAVIIndexChunk* out) const {
     uint8_t bytes[kIndexHeaderSize];
     if (!mReader.readExactly(start, bytes, sizeof(bytes))) return false;
     ByteReader in(bytes, sizeof(bytes));
@@ -87,7 +107,7 @@ bool RuvoAVIExtractor::readIndexHeader(int64_t start, RuvoAVIIndexChunk* out) co
     return true;
 }
 
-status_t RuvoAVIExtractor::parseINDX(int64_t start, int64_t end) {
+status_t OpenDmlIndex::parseINDX(int64_t start, int64_t end, Track* track) {
     if (end - start < kIndexHeaderSize)
         return fail("parseINDX", status_t{ERROR_MALFORMED}, __LINE__);
     RuvoAVIIndexChunk header;
@@ -96,7 +116,7 @@ status_t RuvoAVIExtractor::parseINDX(int64_t start, int64_t end) {
     logIndexHeader(header);
     if (header.indexType == kStandardIndex) {
         AVI_LOGD("start parseChunkIndex() @pos %lld, end %lld...", ll(start), ll(end));
-        return parseChunkIndex(start, end, &header);
+        return parseChunkIndex(start, end, &header, track);
     }
     if (header.indexType != kSuperIndex) {
         return fail("parseINDX", status_t{ERROR_UNSUPPORTED}, __LINE__);
@@ -108,12 +128,13 @@ status_t RuvoAVIExtractor::parseINDX(int64_t start, int64_t end) {
         return fail("parseINDX", status_t{ERROR_MALFORMED}, __LINE__);
     }
     if (static_cast<int32_t>(header.entriesInUse) <= 0) return OK;
-    return parseSuperIndex(start, header);
+    return parseSuperIndex(start, header, track);
 }
 
-status_t RuvoAVIExtractor::parseSuperIndex(int64_t start, const RuvoAVIIndexChunk& header) {
+status_t OpenDmlIndex::parseSuperIndex(int64_t start, const RuvoAVIIndexChunk& header,
+                                       Track* track) {
     const uint64_t base = baseOffset(header);
-    for (uint32_t i = 0; i < header.entriesInUse && hasIndexEntriesLeft(); ++i) {
+    for (uint32_t i = 0; i < header.entriesInUse && hasEntriesLeft(); ++i) {
         uint8_t bytes[kSuperEntrySize];
         if (!mReader.readExactly(start + kIndexHeaderSize + kSuperEntrySize * i, bytes,
                                  sizeof(bytes))) {
@@ -129,7 +150,7 @@ status_t RuvoAVIExtractor::parseSuperIndex(int64_t start, const RuvoAVIIndexChun
                  static_cast<int>(i), ull(entry.offset), ull(base),
                  static_cast<int>(kChunkHeaderSize), entry.size);
         const uint64_t position = wrapAdd64(wrapAdd64(base, entry.offset), kChunkHeaderSize);
-        const status_t err = parseStandardIndexAt(position, entry.size);
+        const status_t err = parseStandardIndexAt(position, entry.size, track);
         if (err != OK) return fail("parseINDX", err, __LINE__);
     }
     return OK;
@@ -137,7 +158,7 @@ status_t RuvoAVIExtractor::parseSuperIndex(int64_t start, const RuvoAVIIndexChun
 
 // A standard index chunk of `size` bytes that a super index points at. One that lies behind the end
 // of a cut file is skipped.
-status_t RuvoAVIExtractor::parseStandardIndexAt(uint64_t position, uint32_t size) {
+status_t OpenDmlIndex::parseStandardIndexAt(uint64_t position, uint32_t size, Track* track) {
     const auto fileSize = static_cast<uint64_t>(mReader.size());
     if (position > fileSize || fileSize - position < kIndexHeaderSize) {
         AVI_LOGD("parseChunkIndex() to the file end~! pos %lld, fileSize %lld",
@@ -145,11 +166,11 @@ status_t RuvoAVIExtractor::parseStandardIndexAt(uint64_t position, uint32_t size
         return OK;
     }
     const auto start = static_cast<int64_t>(position);
-    return parseChunkIndex(start, start + size, nullptr);
+    return parseChunkIndex(start, start + size, nullptr, track);
 }
 
-status_t RuvoAVIExtractor::parseChunkIndex(int64_t start, int64_t end,
-                                           const RuvoAVIIndexChunk* known) {
+status_t OpenDmlIndex::parseChunkIndex(int64_t start, int64_t end, const RuvoAVIIndexChunk* known,
+                                       Track* track) {
     RuvoAVIIndexChunk header;
     if (known != nullptr) {
         header = *known;
@@ -169,14 +190,14 @@ status_t RuvoAVIExtractor::parseChunkIndex(int64_t start, int64_t end,
         return fail("parseChunkIndex", status_t{ERROR_MALFORMED}, __LINE__);
     }
     uint32_t added = 0;
-    const status_t err = addStandardEntries(entries, header, &added);
-    if (err == OK) logChunkIndexEnd(header, added, entries);
+    const status_t err = addStandardEntries(entries, header, track, &added);
+    if (err == OK) logChunkIndexEnd(*track, header, added, entries);
     return err;
 }
 
-status_t RuvoAVIExtractor::addStandardEntries(int64_t entries, const RuvoAVIIndexChunk& header,
-                                              uint32_t* added) {
-    while (*added < header.entriesInUse && hasIndexEntriesLeft()) {
+status_t OpenDmlIndex::addStandardEntries(int64_t entries, const RuvoAVIIndexChunk& header,
+                                          Track* track, uint32_t* added) {
+    while (*added < header.entriesInUse && hasEntriesLeft()) {
         const uint32_t count = std::min(kStandardEntriesPerRead, header.entriesInUse - *added);
         uint8_t bytes[kStandardEntriesPerRead * kStandardEntrySize];
         const auto entrySize = static_cast<size_t>(kStandardEntrySize);
@@ -184,14 +205,14 @@ status_t RuvoAVIExtractor::addStandardEntries(int64_t entries, const RuvoAVIInde
             AVI_LOGE("%s(): Failed to read chunk entry at %lld", "parseChunkIndex", ll(entries));
             return ERROR_IO;
         }
-        const auto taken = static_cast<uint32_t>(std::min<int64_t>(count, mIndexEntriesLeft));
-        mIndexEntriesLeft -= taken;
+        const auto taken = static_cast<uint32_t>(std::min<int64_t>(count, mEntriesLeft));
+        mEntriesLeft -= taken;
         ByteReader in(bytes, taken * entrySize);
         uint32_t offset = 0;
         uint32_t sizeAndFlag = 0;
         while (in.u32(&offset) && in.u32(&sizeAndFlag)) {
             const RuvoAVISample sample = standardSample(header, offset, sizeAndFlag);
-            addSample(&sample, currentTrack());
+            addSample(mReader, sample, track);
         }
         *added += taken;
     }
@@ -200,30 +221,14 @@ status_t RuvoAVIExtractor::addStandardEntries(int64_t entries, const RuvoAVIInde
 
 // Every entry takes eight bytes of its own in an honest file. Indexes that claim more entries than
 // the file can hold, because they point at one another, are not followed further.
-bool RuvoAVIExtractor::hasIndexEntriesLeft() {
-    if (mIndexEntriesLeft > 0) return true;
-    if (!mIndexLimitWarned) {
+bool OpenDmlIndex::hasEntriesLeft() {
+    if (mEntriesLeft > 0) return true;
+    if (!mLimitWarned) {
         AVI_LOGW("%s(): the indexes list more samples than the file can hold, drop the rest",
                  "parseChunkIndex");
-        mIndexLimitWarned = true;
+        mLimitWarned = true;
     }
     return false;
-}
-
-void RuvoAVIExtractor::logChunkIndexEnd(const RuvoAVIIndexChunk& header, uint32_t added,
-                                        int64_t position) {
-    const SampleTable& table = mCurrentTrack->mTable;
-    const bool isEmpty = table.isEmpty();
-    const size_t last = isEmpty ? 0 : table.size() - 1;
-    const char* mime = nullptr;
-    AVI_CHECK_TEXT(AMediaFormat_getString(mCurrentTrack->meta.get(), AMEDIAFORMAT_KEY_MIME, &mime),
-                   "AMediaFormat_getString(mLastTrack->meta, AMEDIAFORMAT_KEY_MIME, &mime)");
-    AVI_LOGD("[%s] sample[%zu] (baseOff %llX/%llX, size %d, sync %d]) @line%d", mime, table.size(),
-             ull(baseOffset(header)), ull(isEmpty ? 0 : static_cast<uint64_t>(table.offset(last))),
-             isEmpty ? 0 : static_cast<int>(table.chunkSize(last)),
-             isEmpty ? 0 : table.syncFlag(last), __LINE__);
-    AVI_LOGD("end %s() (%d samples added) @%llX...\n", "parseChunkIndex", static_cast<int>(added),
-             ull(static_cast<uint64_t>(position)));
 }
 
 }  // namespace android

@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// The wave format of an audio stream: identifies the codec, fills the track's format and checks
-// what the decoder could not cope with.
+#include "riff/AudioFormat.h"
+
 #include <media/NdkMediaFormatRuvo.h>
 #include <media/stagefright/foundation/MediaDefs.h>
 #include <string.h>
 
-#include "RuvoAVIExtractor.h"
 #include "riff/CodecTables.h"
-#include "riff/StreamFormat.h"
 #include "support/ByteReader.h"
 #include "support/HexDump.h"
 #include "support/Log.h"
@@ -166,10 +163,18 @@ bool publishVorbisHeaders(AMediaFormat* meta, const sp<ABuffer>& extra) {
     return true;
 }
 
+void addAudioSeekTime(uint32_t streamIndex, const char* mime,
+                      Vector<sp<RuvoAVISeekTime>>* seekTimes) {
+    sp<RuvoAVISeekTime> seekTime = new RuvoAVISeekTime;
+    seekTime->mTrackId = static_cast<int32_t>(streamIndex);
+    seekTimes->push_back(seekTime);
+    AVI_LOGV("%s(%s): Initialize seekTimeUs(%d, %lld)", "parseSTRF", mime, seekTime->mTrackId,
+             ll(seekTime->mSeekTimeUs));
+}
+
 }  // namespace
 
-void RuvoAVIExtractor::applyWaveFormat(const StreamFormat& format) {
-    Track* track = currentTrack();
+void applyWaveFormat(const StreamFormat& format, AviFile* file, Track* track) {
     TrackInfo* info = &track->info;
     AMediaFormat* meta = track->meta.get();
     const WaveFormat w = readWaveFormat(format);
@@ -184,7 +189,7 @@ void RuvoAVIExtractor::applyWaveFormat(const StreamFormat& format) {
     info->mBlockAlign = w.blockAlign;
     info->mBitsPerSample = w.bitsPerSample;
     logWaveFormat(w, mime, info->mSize);
-    addAudioSeekTime(info->mStreamIndex, mime);
+    addAudioSeekTime(info->mStreamIndex, mime, &file->audioSeekTimes);
 
     if (w.formatTag == kWaveTagExtensible && info->mSize != 0) {
         AMediaFormat_setString(meta, AMEDIAFORMAT_KEY_MIME, extensibleSubFormat(track->mCodecData));
@@ -197,14 +202,6 @@ void RuvoAVIExtractor::applyWaveFormat(const StreamFormat& format) {
     if (track->mIsVorbis) {
         track->mBadTrack = !publishVorbisHeaders(meta, track->mCodecData);
     }
-}
-
-void RuvoAVIExtractor::addAudioSeekTime(uint32_t streamIndex, const char* mime) {
-    sp<RuvoAVISeekTime> seekTime = new RuvoAVISeekTime;
-    seekTime->mTrackId = static_cast<int32_t>(streamIndex);
-    mAudioSeekTimes.push_back(seekTime);
-    AVI_LOGV("%s(%s): Initialize seekTimeUs(%d, %lld)", "parseSTRF", mime, seekTime->mTrackId,
-             ll(seekTime->mSeekTimeUs));
 }
 
 }  // namespace android

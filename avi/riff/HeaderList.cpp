@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// The header list of the file: its main header and one stream list a stream.
-#include "RuvoAVIExtractor.h"
+#include "riff/HeaderList.h"
+
+#include <media/stagefright/MediaErrors.h>
+
 #include "support/ByteReader.h"
 #include "support/Log.h"
 
@@ -63,36 +64,33 @@ void logCorruptedHeaderList(int64_t position, int64_t end, bool foundAvih, uint3
 
 }  // namespace
 
-status_t RuvoAVIExtractor::parseHDRL(int64_t start, int64_t end) {
+status_t HeaderList::parseHDRL(int64_t start, int64_t end) {
     if (start >= end) {
         logCorruptedHeaderList(start, end, false, 0, mNumStreams);
         return ERROR_MALFORMED;
     }
 
-    bool foundAvih = false;
-    uint32_t streamLists = 0;
+    Found found;
     ChunkWalker chunk(mReader, start);
     do {
         const HeaderRead read = chunk.advance();
         if (read == HeaderRead::kZeroTail) break;
         if (read == HeaderRead::kUnreadable) {
-            fail("parseHDRL", ERROR_IO, kLineUnreadableHdrlChunk);
-            return ERROR_IO;
+            return fail("parseHDRL", status_t{ERROR_IO}, kLineUnreadableHdrlChunk);
         }
-        const status_t err = parseHeaderChunk(chunk, &foundAvih, &streamLists);
+        const status_t err = parseChunk(chunk, &found);
         if (err != OK) return err;
         AVI_LOGV("%s(): pos %llX", "parseHDRL", ull(chunk.next()));
     } while (chunk.next() < end);
 
-    if (chunk.next() > end || !foundAvih || streamLists < mNumStreams) {
-        logCorruptedHeaderList(chunk.next(), end, foundAvih, streamLists, mNumStreams);
+    if (chunk.next() > end || !found.avih || found.streamLists < mNumStreams) {
+        logCorruptedHeaderList(chunk.next(), end, found.avih, found.streamLists, mNumStreams);
         return ERROR_MALFORMED;
     }
     return OK;
 }
 
-status_t RuvoAVIExtractor::parseHeaderChunk(const ChunkWalker& chunk, bool* foundAvih,
-                                            uint32_t* streamLists) {
+status_t HeaderList::parseChunk(const ChunkWalker& chunk, Found* found) {
     const ChunkHeader& header = chunk.header();
     switch (header.id) {
         case fourcc("JUNK"):
@@ -100,21 +98,11 @@ status_t RuvoAVIExtractor::parseHeaderChunk(const ChunkWalker& chunk, bool* foun
         case fourcc("avih"): {
             const status_t err = parseAVIH(chunk.payload(), chunk.next());
             if (err != OK) AVI_LOGE("%s(): parseAVIH err: %d", "parseHDRL", err);
-            *foundAvih = err == OK;
+            found->avih = err == OK;
             return err;
         }
         case fourcc("LIST"):
-            AVI_LOGV("parseHDRL(): type 0x%08x:%c%c%c%c", FOURCC_ARGS(header.type));
-            if (header.type != fourcc("strl")) {
-                AVI_LOGW("parseHDRL(): unknown list 0x%08x:%c%c%c%c in %s",
-                         FOURCC_ARGS(header.type), "parseHDRL");
-                return OK;
-            }
-            if (!*foundAvih) {
-                AVI_LOGE("%s(): avih MUST before strl! Malformed file!", "parseHDRL");
-                return ERROR_MALFORMED;
-            }
-            return parseSTRL(chunk.listContents(), chunk.next(), (*streamLists)++);
+            return parseList(chunk, found);
         default:
             AVI_LOGW("parseHDRL(): unknown chunk 0x%08x:%c%c%c%c in %s", FOURCC_ARGS(header.id),
                      "parseHDRL");
@@ -122,19 +110,30 @@ status_t RuvoAVIExtractor::parseHeaderChunk(const ChunkWalker& chunk, bool* foun
     }
 }
 
-status_t RuvoAVIExtractor::parseAVIH(int64_t start, int64_t end) {
-    uint8_t bytes[kMainHeaderSize];
-    if (end - start < static_cast<int64_t>(sizeof(bytes))) {
-        fail("parseAVIH", ERROR_MALFORMED, kLineShortAvih);
+status_t HeaderList::parseList(const ChunkWalker& chunk, Found* found) {
+    const FourCC type = chunk.header().type;
+    AVI_LOGV("parseHDRL(): type 0x%08x:%c%c%c%c", FOURCC_ARGS(type));
+    if (type != fourcc("strl")) {
+        AVI_LOGW("parseHDRL(): unknown list 0x%08x:%c%c%c%c in %s", FOURCC_ARGS(type), "parseHDRL");
+        return OK;
+    }
+    if (!found->avih) {
+        AVI_LOGE("%s(): avih MUST before strl! Malformed file!", "parseHDRL");
         return ERROR_MALFORMED;
     }
+    return mStreams.parseSTRL(chunk.listContents(), chunk.next(), found->streamLists++, mFrameSize);
+}
+
+status_t HeaderList::parseAVIH(int64_t start, int64_t end) {
+    uint8_t bytes[kMainHeaderSize];
+    if (end - start < static_cast<int64_t>(sizeof(bytes))) {
+        return fail("parseAVIH", status_t{ERROR_MALFORMED}, kLineShortAvih);
+    }
     if (!mReader.readExactly(start, bytes, sizeof(bytes))) {
-        fail("parseAVIH", ERROR_IO, kLineUnreadableAvih);
-        return ERROR_IO;
+        return fail("parseAVIH", status_t{ERROR_IO}, kLineUnreadableAvih);
     }
     const MainHeader header = readMainHeader(bytes);
-    mWidth = header.width;
-    mHeight = header.height;
+    mFrameSize = {header.width, header.height};
     mNumStreams = header.streams;
     logMainHeader(header);
     return OK;

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// The INFO list: text tags of the file, for the framework's metadata.
-#include "RuvoAVIExtractor.h"
-#include "support/ByteReader.h"
+#include "riff/Info.h"
+
+#include "ChunkWalker.h"
 #include "support/Log.h"
 
 namespace android {
@@ -36,38 +35,30 @@ const char* keyOf(FourCC id) {
     return nullptr;
 }
 
-}  // namespace
-
-// Sub-chunks of eight bytes and a text: u32 id | u32 size. Nothing here fails the file.
-status_t RuvoAVIExtractor::parseINFO(int64_t start, int64_t end) {
-    for (int64_t position = start; position < end;) {
-        uint8_t bytes[kChunkHeaderSize];
-        if (!mReader.readExactly(position, bytes, sizeof(bytes))) break;
-        FourCC id{};
-        uint32_t size = 0;
-        ByteReader in(bytes, sizeof(bytes));
-        in.code(&id);
-        in.u32(&size);
-        const uint32_t padded = paddedSize(size);
-        const char* key = keyOf(id);
-        if (key != nullptr) {
-            AVI_LOGV("parseINFO(): meta key 0x%08x:%c%c%c%c", FOURCC_ARGS(id));
-            if (padded <= kMaxTagSize) publishTag(key, position + kChunkHeaderSize, padded);
-        }
-        position += kChunkHeaderSize + padded;
-    }
-    return OK;
-}
-
-// The byte behind the text is read too and replaced by a terminator; a tag at the very end of the
+// The byte after the text is read too and replaced by a terminator; a tag at the very end of the
 // file, which has none, is dropped.
-void RuvoAVIExtractor::publishTag(const char* key, int64_t offset, uint32_t padded) {
+void publishTag(const FileReader& reader, const char* key, int64_t offset, uint32_t padded,
+                AMediaFormat* fileMeta) {
     sp<ABuffer> text;
-    if (mReader.readBuffer(offset, size_t{padded} + 1, &text) != OK) return;
+    if (reader.readBuffer(offset, size_t{padded} + 1, &text) != OK) return;
     text->data()[padded] = '\0';
     const char* value = reinterpret_cast<const char*>(text->data());
-    AMediaFormat_setString(mFileMeta.get(), key, value);
+    AMediaFormat_setString(fileMeta, key, value);
     AVI_LOGV("%s(): meta value %s, size %u", "parseINFO", value, padded);
+}
+
+}  // namespace
+
+void parseINFO(const FileReader& reader, int64_t start, int64_t end, AMediaFormat* fileMeta) {
+    ChunkWalker chunk(reader, start);
+    while (chunk.next() < end && chunk.advanceTag()) {
+        const FourCC id = chunk.header().id;
+        const uint32_t padded = paddedSize(chunk.header().size);
+        const char* key = keyOf(id);
+        if (key == nullptr) continue;
+        AVI_LOGV("parseINFO(): meta key 0x%08x:%c%c%c%c", FOURCC_ARGS(id));
+        if (padded <= kMaxTagSize) publishTag(reader, key, chunk.payload(), padded, fileMeta);
+    }
 }
 
 }  // namespace android

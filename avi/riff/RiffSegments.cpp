@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// The top level of a file's RIFF segments: the first one with the headers, and the further ones
-// that OpenDML writers append when a file outgrows it.
-#include "RuvoAVIExtractor.h"
+#include "riff/RiffSegments.h"
+
+#include <media/stagefright/MediaErrors.h>
+
+#include "index/FinishTracks.h"
+#include "riff/Info.h"
 #include "support/Log.h"
 
 namespace android {
@@ -12,8 +14,8 @@ constexpr int kLineUnreadableFirstRiffChunk = 4116;
 constexpr int kLineNoMovi = 4208;
 constexpr int kLineNoUsableTrack = 4276;
 constexpr int kLineUnreadableMoreRiffChunk = 4317;
-constexpr int kLineMoreRiffWithoutIndex = 4376;
 constexpr int kLineUnreadableMoreRiff = 4384;
+constexpr int kLineUnreadableSegment = 4424;
 
 constexpr uint32_t kMaxRiffSize = 0x40000000;  // what OpenDML allows; larger files are tried
 constexpr uint32_t kMaxUnknownChunks = 50;
@@ -26,12 +28,8 @@ void logChunk(const char* function, const ChunkWalker& chunk) {
               FOURCC_ARGS(header.id), ull(chunk.position()), header.size, paddedSize(header.size));
 }
 
-void logUnknownList(const char* function, const ChunkHeader& header) {
-    AVI_LOGW("%s(): unknown list 0x%08x:%c%c%c%c", function, FOURCC_ARGS(header.type));
-}
-
 // Counts stray chunks of one segment. True when the walk should stop: a file with this many of them
-// behind its headers holds nothing more of use. Only the exact count stops a walk, so that a file
+// after its headers holds nothing more of use. Only the exact count stops a walk, so that a file
 // with many stray chunks in front of its headers is walked to its end.
 bool stopsAtUnknownChunk(const char* function, const ChunkHeader& header, bool headersFound,
                          uint32_t* count) {
@@ -46,245 +44,168 @@ bool stopsAtUnknownChunk(const char* function, const ChunkHeader& header, bool h
 
 }  // namespace
 
+RiffSegments::RiffSegments(const FileReader& reader, AviFile* file)
+    : mReader(reader), mFile(file), mHeaders(reader, file), mIndex(reader, file->tracks) {}
+
+// Chunks at the top level are not padded: a segment of odd size is followed at once.
+status_t RiffSegments::list() {
+    for (int64_t position = 0; position < mReader.size();) {
+        if (mReader.size() - position < kListHeaderSize) {
+            AVI_LOGW("No more riff.");
+            break;
+        }
+        ChunkHeader header;
+        if (readChunkHeader(mReader, position, &header) != HeaderRead::kWhole) {
+            return fail("readMetaData", status_t{ERROR_IO}, kLineUnreadableSegment);
+        }
+        if (header.id == fourcc("RIFF")) {
+            AVI_LOGD("%s(): RIFF%zu size %lld(%llX) @%llX(%lld)", "readMetaData", mRiffList.size(),
+                     ll(header.size), ull(header.size), ull(position), ll(position));
+            mRiffList.push_back({position, header.size});
+        }
+        position += header.size + kChunkHeaderSize;
+    }
+    return OK;
+}
+
+status_t RiffSegments::parseFirstRIFF() {
+    Walk walk = {"parseFirstRIFF", 0};
+    status_t err = walkSegment(&walk);
+    if (err != OK) return err;
+    if (!walk.movi) return fail("parseFirstRIFF", status_t{ERROR_MALFORMED}, kLineNoMovi);
+
+    mIndex.completeFirst();
+    if (mRiffList.size() >= 2 && !mIndex.videoFullyIndexed()) {
+        for (size_t n = 1; n < mRiffList.size(); ++n) {
+            parseMoreRIFF(n);  // a bad segment costs only its own samples
+        }
+    }
+
+    err = finishParse(mReader, mFile->tracks);
+    return err == OK ? OK : fail("parseFirstRIFF", err, kLineNoUsableTrack);
+}
+
+status_t RiffSegments::parseMoreRIFF(size_t number) {
+    Walk walk = {"parseMoreRIFF", number};
+    const status_t err = walkSegment(&walk);
+    if (err != OK) return err;
+    if (!walk.movi) return ERROR_MALFORMED;
+    if (!walk.index) mIndex.scanFurther();
+    return OK;
+}
+
+status_t RiffSegments::readSegmentHeader(const Walk& walk, ChunkHeader* out) const {
+    const int64_t offset = walk.isFirst() ? 0 : mRiffList[walk.number].offset;
+    if (readChunkHeader(mReader, offset, out) != HeaderRead::kWhole) {
+        return walk.isFirst()
+                   ? fail("parseFirstRIFF", status_t{ERROR_IO}, kLineUnreadableFirstRiff)
+                   : fail("parseMoreRIFF", status_t{ERROR_MALFORMED}, kLineUnreadableMoreRiff);
+    }
+    AVI_LOGV("%s(): ID %X, size %X, type %X", walk.function, toWord(out->id), out->size,
+             toWord(out->type));
+    if (!walk.isFirst() && out->id != fourcc("RIFF")) return ERROR_MALFORMED;
+    if (out->size <= kMaxRiffSize) return OK;
+    if (walk.isFirst()) {
+        AVI_LOGW("%s(): RIFF size %llX is out of spec %X, try to support it.", "parseFirstRIFF",
+                 ull(out->size), kMaxRiffSize);
+    } else {
+        AVI_LOGW("%s(): RIFF%zu size %llX is out of spec %X, try to support it.", "parseMoreRIFF",
+                 walk.number, ull(out->size), kMaxRiffSize);
+    }
+    return OK;
+}
+
 // The end of the walk over a segment is its size field taken as a file position, in further
 // segments too: writers of broken tails are common, and nothing of use lies in the last 8 bytes.
-int64_t RuvoAVIExtractor::walkEnd(const char* function, uint32_t riffSize, int64_t contents) const {
-    int64_t end = riffSize;
-    if (riffSize + kChunkHeaderSize > mReader.size()) {
-        AVI_LOGW("%s(): file seems to be chunked (%lld + %d) > %lld", function, ll(riffSize),
+int64_t RiffSegments::walkEnd(const Walk& walk, const ChunkHeader& riff) const {
+    const int64_t offset = walk.isFirst() ? 0 : mRiffList[walk.number].offset;
+    int64_t end = riff.size;
+    if (riff.size + kChunkHeaderSize > mReader.size()) {
+        AVI_LOGW("%s(): file seems to be chunked (%lld + %d) > %lld", walk.function, ll(riff.size),
                  static_cast<int>(kChunkHeaderSize), ll(mReader.size()));
         end = mReader.size();
     }
-    AVI_LOGV("%s(): RIFF size %llX(%lld), pos: %lld ~ %lld", function, ull(riffSize), ll(riffSize),
-             ll(contents), ll(end));
+    AVI_LOGV("%s(): RIFF size %llX(%lld), pos: %lld ~ %lld", walk.function, ull(riff.size),
+             ll(riff.size), ll(offset + kListHeaderSize), ll(end));
     return end;
 }
 
-status_t RuvoAVIExtractor::parseFirstRIFF() {
-    FirstRiffState found;
-    status_t err = walkFirstRIFF(&found);
+status_t RiffSegments::walkSegment(Walk* walk) {
+    ChunkHeader riff;
+    status_t err = readSegmentHeader(*walk, &riff);
     if (err != OK) return err;
-    if (!found.movi) {
-        fail("parseFirstRIFF", ERROR_MALFORMED, kLineNoMovi);
-        return ERROR_MALFORMED;
-    }
+    const int64_t end = walkEnd(*walk, riff);
+    const int64_t offset = walk->isFirst() ? 0 : mRiffList[walk->number].offset;
 
-    completeFirstIndex();
-    if (mRiffList.size() >= 2 && !videoFullyIndexed()) {
-        for (size_t n = 1; n < mRiffList.size(); ++n) {
-            parseMoreRIFF(mRiffList[n].offset, n);  // a bad segment costs only its own samples
-        }
-    }
-
-    err = finishParse();
-    if (err != OK) {
-        fail("parseFirstRIFF", err, kLineNoUsableTrack);
-        return err;
-    }
-    mMetaDataRead = true;
-    return OK;
-}
-
-status_t RuvoAVIExtractor::walkFirstRIFF(FirstRiffState* found) {
-    ChunkHeader riff;
-    if (readChunkHeader(mReader, 0, &riff) != HeaderRead::kWhole) {
-        fail("parseFirstRIFF", ERROR_IO, kLineUnreadableFirstRiff);
-        return ERROR_IO;
-    }
-    AVI_LOGV("%s(): ID %X, size %X, type %X", "parseFirstRIFF", toWord(riff.id), riff.size,
-             toWord(riff.type));
-    if (riff.size > kMaxRiffSize) {
-        AVI_LOGW("%s(): RIFF size %llX is out of spec %X, try to support it.", "parseFirstRIFF",
-                 ull(riff.size), kMaxRiffSize);
-    }
-    const int64_t end = walkEnd("parseFirstRIFF", riff.size, kListHeaderSize);
-
-    ChunkWalker chunk(mReader, kListHeaderSize);
-    while (chunk.next() < end) {
-        const HeaderRead read = chunk.advance();
-        if (read == HeaderRead::kZeroTail) break;
-        if (read == HeaderRead::kUnreadable) {
-            AVI_LOGE("%s(): failed to read header at %llX! @line%d", "parseFirstRIFF",
-                     ull(chunk.next()), kLineUnreadableFirstRiffChunk);
-            return ERROR_IO;
-        }
-        logChunk("parseFirstRIFF", chunk);
-        const status_t err = parseFirstRiffChunk(chunk, found);
-        if (err != OK) return err;
-        if (found->tooManyUnknown) break;
-    }
-    AVI_LOGV("%s() end @%llX(%lld)", "parseFirstRIFF", ull(chunk.next()), ll(chunk.next()));
-    return OK;
-}
-
-status_t RuvoAVIExtractor::parseFirstRiffChunk(const ChunkWalker& chunk, FirstRiffState* found) {
-    const ChunkHeader& header = chunk.header();
-    switch (header.id) {
-        case fourcc("idx1"):
-            return parseFirstIdx1(chunk, found);
-        case fourcc("JUNK"):
-            return OK;
-        case fourcc("LIST"):
-            return parseFirstRiffList(chunk, found);
-        default:
-            found->tooManyUnknown = stopsAtUnknownChunk(
-                "parseFirstRIFF", header, found->movi && found->hdrl, &found->unknownChunks);
-            return OK;
-    }
-}
-
-status_t RuvoAVIExtractor::parseFirstRiffList(const ChunkWalker& chunk, FirstRiffState* found) {
-    switch (chunk.header().type) {
-        case fourcc("movi"):
-            parseMOVI(chunk.listContents(), chunk.next());
-            found->movi = true;
-            return OK;
-        case fourcc("hdrl"): {
-            const status_t err = parseHDRL(chunk.listContents(), chunk.next());
-            found->hdrl = err == OK;
-            return err;
-        }
-        case fourcc("INFO"):
-            parseINFO(chunk.listContents(), chunk.next());
-            return OK;
-        default:
-            logUnknownList("parseFirstRIFF", chunk.header());
-            return OK;
-    }
-}
-
-status_t RuvoAVIExtractor::parseFirstIdx1(const ChunkWalker& chunk, FirstRiffState* found) {
-    AVI_LOGV("%s(): found idx, idx1Found: %d", "parseFirstRIFF", found->idx1);
-    if (found->idx1) {
-        AVI_LOGW("%s(): skip multiple idx1!", "parseFirstRIFF");
-        return OK;
-    }
-    if (allTracksIndexed()) {
-        AVI_LOGW("%s(): we already have index, ignore idx1!", "parseFirstRIFF");
-        return OK;
-    }
-    for (Track& track : mTracks) {
-        clearSamples(&track);
-        track.mINDXValid = false;
-    }
-    const status_t err = parseIDX1(chunk.payload(), chunk.next());
-    found->idx1 = err == OK;
-    return err;
-}
-
-bool RuvoAVIExtractor::allTracksIndexed() const {
-    for (const Track& track : mTracks) {
-        const bool hasSamples = track.mIsVideo || track.mIsAudio || track.mIsSubtitle;
-        if (hasSamples && !track.mINDXValid) return false;
-    }
-    return true;
-}
-
-void RuvoAVIExtractor::completeFirstIndex() {
-    if (mHasIndex) return;
-    if (allTracksIndexed()) {
-        mHasIndex = true;
-        return;
-    }
-    for (Track& track : mTracks) {
-        if (track.mIsVideo) track.info.mBrokenIndex = true;
-    }
-    AVI_LOGW("%s(): The riff doesn't have index!", "parseFirstRIFF");
-    AVI_LOGW("%s(): Need to parse 'movi' and may take a long time.", "parseFirstRIFF");
-    parseMOVIMore();
-}
-
-// Audio tracks take no part: their header lengths are too often wrong.
-bool RuvoAVIExtractor::videoFullyIndexed() const {
-    for (const Track& track : mTracks) {
-        if (!track.mIsVideo) continue;
-        const size_t indexed = track.mTable.size();
-        if (indexed >= track.mTotalSamples) {
-            AVI_LOGD("%s(): All frames have been indexed. No need to parse other riff(s).",
-                     "parseFirstRIFF");
-            return true;
-        }
-        AVI_LOGD("%s(): Video track indexed frames %zu VS total frames %u", "parseFirstRIFF",
-                 indexed, track.mTotalSamples);
-    }
-    AVI_LOGD("%s(): Not all frames have been indexed. Need parse more riff(s).", "parseFirstRIFF");
-    return false;
-}
-
-status_t RuvoAVIExtractor::parseMoreRIFF(int64_t offset, size_t n) {
-    ChunkHeader riff;
-    if (readChunkHeader(mReader, offset, &riff) != HeaderRead::kWhole) {
-        fail("parseMoreRIFF", ERROR_MALFORMED, kLineUnreadableMoreRiff);
-        return ERROR_MALFORMED;
-    }
-    AVI_LOGV("%s(): ID %X, size %X, type %X", "parseMoreRIFF", toWord(riff.id), riff.size,
-             toWord(riff.type));
-    if (riff.id != fourcc("RIFF")) return ERROR_MALFORMED;
-    if (riff.size > kMaxRiffSize) {
-        AVI_LOGW("%s(): RIFF%zu size %llX is out of spec %X, try to support it.", "parseMoreRIFF",
-                 n, ull(riff.size), kMaxRiffSize);
-    }
-    const int64_t end = walkEnd("parseMoreRIFF", riff.size, offset + kListHeaderSize);
-
-    MoreRiffState found;
     ChunkWalker chunk(mReader, offset + kListHeaderSize);
-    while (chunk.next() < end && !found.tooManyUnknown) {
+    int64_t position = chunk.next();
+    while (position < end) {
         const HeaderRead read = chunk.advance();
         if (read == HeaderRead::kZeroTail) break;
         if (read == HeaderRead::kUnreadable) {
-            fail("parseMoreRIFF", ERROR_IO, kLineUnreadableMoreRiffChunk);
+            if (!walk->isFirst()) {
+                return fail("parseMoreRIFF", status_t{ERROR_IO}, kLineUnreadableMoreRiffChunk);
+            }
+            AVI_LOGE("%s(): failed to read header at %llX! @line%d", "parseFirstRIFF",
+                     ull(position), kLineUnreadableFirstRiffChunk);
             return ERROR_IO;
         }
-        logChunk("parseMoreRIFF", chunk);
-        const status_t err = parseMoreRiffChunk(chunk, n, &found);
+        logChunk(walk->function, chunk);
+        err = parseChunk(chunk, walk);
         if (err != OK) return err;
+        if (walk->stopped) break;
+        position = chunk.next();
     }
-    AVI_LOGV("%s() end @%llX(%lld)", "parseMoreRIFF", ull(chunk.next()), ll(chunk.next()));
-    if (!found.movi) return ERROR_MALFORMED;
-    if (!found.index) {
-        AVI_LOGW(
-            "%s(): This riff doesn't have index. May take a long time to parse 'movi' "
-            "chunk!@L%d",
-            "parseMoreRIFF", kLineMoreRiffWithoutIndex);
-        parseMOVIMore();
-    }
+    AVI_LOGV("%s() end @%llX(%lld)", walk->function, ull(position), ll(position));
     return OK;
 }
 
-status_t RuvoAVIExtractor::parseMoreRiffChunk(const ChunkWalker& chunk, size_t n,
-                                              MoreRiffState* found) {
+status_t RiffSegments::parseChunk(const ChunkWalker& chunk, Walk* walk) {
     const ChunkHeader& header = chunk.header();
     switch (header.id) {
         case fourcc("idx1"):
+            return parseIndex(chunk, walk);
         case fourcc("idx2"):
         case fourcc("idx3"):
         case fourcc("idx4"):
-            AVI_LOGV("%s(): found idx%zu", "parseMoreRIFF", n + 1);
-            mHasIndex = false;
-            found->index = true;
-            return found->movi ? parseIDX1(chunk.payload(), chunk.next()) : OK;
+            if (!walk->isFirst()) return parseIndex(chunk, walk);
+            break;
         case fourcc("JUNK"):
             return OK;
         case fourcc("LIST"):
-            if (header.type == fourcc("movi")) {
-                parseMOVI(chunk.listContents(), chunk.next());
-                found->movi = true;
-            } else {
-                logUnknownList("parseMoreRIFF", header);
-            }
-            return OK;
+            return parseList(chunk, walk);
         default:
-            found->tooManyUnknown =
-                stopsAtUnknownChunk("parseMoreRIFF", header, found->movi, &found->unknownChunks);
-            return OK;
+            break;
     }
+    const bool headersFound = walk->movi && (walk->hdrl || !walk->isFirst());
+    walk->stopped = stopsAtUnknownChunk(walk->function, header, headersFound, &walk->unknownChunks);
+    return OK;
 }
 
-// The contents are not walked here: the index knows what lies in them.
-status_t RuvoAVIExtractor::parseMOVI(int64_t start, int64_t end) {
-    mMoviStart = static_cast<uint32_t>(start - kListHeaderSize);
-    mMoviSize = static_cast<uint32_t>(end - start);
-    AVI_LOGV("%s(): @%d, size %u, end...", "parseMOVI", static_cast<int>(mMoviStart), mMoviSize);
+status_t RiffSegments::parseIndex(const ChunkWalker& chunk, Walk* walk) {
+    if (walk->isFirst()) return mIndex.readFirstIdx1(chunk.payload(), chunk.next());
+    AVI_LOGV("%s(): found idx%zu", "parseMoreRIFF", walk->number + 1);
+    walk->index = true;
+    return walk->movi ? mIndex.readFurtherIdx1(chunk.payload(), chunk.next()) : OK;
+}
+
+status_t RiffSegments::parseList(const ChunkWalker& chunk, Walk* walk) {
+    const FourCC type = chunk.header().type;
+    if (type == fourcc("movi")) {
+        mIndex.parseMOVI(chunk.listContents(), chunk.next());
+        walk->movi = true;
+        return OK;
+    }
+    if (walk->isFirst() && type == fourcc("hdrl")) {
+        const status_t err = mHeaders.parseHDRL(chunk.listContents(), chunk.next());
+        walk->hdrl = err == OK;
+        return err;
+    }
+    if (walk->isFirst() && type == fourcc("INFO")) {
+        parseINFO(mReader, chunk.listContents(), chunk.next(), mFile->meta.get());
+        return OK;
+    }
+    AVI_LOGW("%s(): unknown list 0x%08x:%c%c%c%c", walk->function, FOURCC_ARGS(type));
     return OK;
 }
 

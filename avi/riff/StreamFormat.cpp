@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// The stream format: reads the header of either kind and the codec-private bytes behind it, and
-// hands them to the audio or video side.
 #include "riff/StreamFormat.h"
 
-#include <string.h>
+#include <media/stagefright/MediaErrors.h>
 
-#include "RuvoAVIExtractor.h"
-#include "support/ByteReader.h"
+#include <optional>
+
+#include "riff/AudioFormat.h"
+#include "riff/VideoFormat.h"
 #include "support/HexDump.h"
 #include "support/Log.h"
 #include "support/Mime.h"
@@ -20,7 +19,13 @@ namespace {
 constexpr size_t kMinAudioRest = 3;
 constexpr size_t kMinVideoRest = 4;
 
-constexpr size_t kCompressionOffset = 16;
+constexpr size_t kExtraSizeField = 2;
+
+// Codec-private bytes, counted from the beginning of the payload.
+struct ExtraData {
+    size_t offset = 0;
+    size_t size = 0;
+};
 
 // The first bytes of AAC extra data are its AudioSpecificConfig (ISO/IEC 14496-3).
 void logAudioSpecificConfig(const uint8_t* data) {
@@ -29,107 +34,87 @@ void logAudioSpecificConfig(const uint8_t* data) {
              data[1] >> 3 & 15);
 }
 
-status_t failure(status_t status, int line) {
-    fail("parseSTRF", status, line);
-    return status;
-}
-
-}  // namespace
-
-status_t RuvoAVIExtractor::parseSTRF(int64_t offset, int64_t end) {
-    Track* track = currentTrack();
-    AMediaFormat_setString(track->meta.get(), AMEDIAFORMAT_KEY_MIME, kMimeUndecided);
-
-    StreamFormat format;
-    format.offset = offset;
-    format.size = static_cast<size_t>(end - offset);
-    format.headerSize = track->mIsAudio ? kWaveFormatSize : kBitmapInfoSize;
-    if (format.size < format.headerSize) return failure(ERROR_MALFORMED, __LINE__);
-    if (track->mIsVideo && format.size > kBitmapInfoSize) {
-        AVI_LOGD("%s(): Video has %zdB extra config data.", "parseSTRF",
-                 static_cast<ssize_t>(format.size - kBitmapInfoSize));
-    }
-    if (!mReader.readExactly(offset, format.header, format.headerSize)) {
-        return failure(ERROR_IO, __LINE__);
-    }
-    detectSubtitle(format);
-    putVideoFirst();
-
-    const status_t err = readExtraData(&format);
-    if (err != OK) return err;
-    if (track->mIsAudio) {
-        applyWaveFormat(format);
-    } else {
-        applyBitmapInfo(format);
-    }
-    return OK;
-}
-
-// Subtitles are stored as a video stream of their own compression.
-void RuvoAVIExtractor::detectSubtitle(const StreamFormat& format) {
-    Track* track = currentTrack();
-    if (!track->mIsVideo) return;
-    FourCC compression{};
-    ByteReader in(format.header, format.headerSize);
-    in.skip(kCompressionOffset);
-    in.code(&compression);
-    if (compression != fourcc("DXSB") && compression != fourcc("DXSA")) return;
-    track->mIsSubtitle = true;
-    track->mIsVideo = false;
-}
-
-// Audio durations are clamped to the video's, which is known once the video track is finished: so
-// it must be finished first.
-void RuvoAVIExtractor::putVideoFirst() {
-    if (mCurrentTrack == mTracks.begin() || !mCurrentTrack->mIsVideo || mTracks.front().mIsVideo) {
-        return;
-    }
-    mTracks.splice(mTracks.begin(), mTracks, mCurrentTrack);
-    AVI_LOGD("%s(): Put video track on the front.", "parseSTRF");
-}
-
-// Reads the size of the extra data behind a wave format; the data begins behind it when the size is
-// possible. False when it cannot be read.
-bool RuvoAVIExtractor::readAudioExtraSize(StreamFormat* format, size_t rest, size_t* out) {
-    uint8_t bytes[2];
-    if (!mReader.readExactly(format->offset + int64_t{kWaveFormatSize}, bytes, sizeof(bytes)))
-        return false;
-    *out = size_t{bytes[0]} | size_t{bytes[1]} << 8;
-    // Compared with all bytes behind the header, so that writers which count the size field itself
+// The extra data of a wave format, whose size stands in front of it; nothing when that size is
+// impossible. `ok` is false when the size cannot be read.
+std::optional<ExtraData> audioExtraData(const FileReader& reader, const StreamFormat& format,
+                                        Track* track, bool* ok) {
+    const size_t rest = format.size - kWaveFormatSize;
+    uint8_t bytes[kExtraSizeField];
+    *ok = reader.readExactly(format.offset + int64_t{kWaveFormatSize}, bytes, sizeof(bytes));
+    if (!*ok) return std::nullopt;
+    const size_t size = size_t{bytes[0]} | size_t{bytes[1]} << 8;
+    // Compared with all bytes after the header, so that writers which count the size field itself
     // are accepted; a rest of 64 KiB and more counts by its low 16 bits.
-    if (((rest & ~size_t{0xFFFF}) | *out) > rest) return true;
-    format->headerSize += sizeof(bytes);
-    currentTrack()->info.mSize = static_cast<uint16_t>(*out);
-    AVI_LOGV("%s(): aHeader.size = %d", "parseSTRF", currentTrack()->info.mSize);
-    return true;
+    if (((rest & ~size_t{0xFFFF}) | size) > rest) return std::nullopt;
+    track->info.mSize = static_cast<uint16_t>(size);
+    AVI_LOGV("%s(): aHeader.size = %d", "parseSTRF", track->info.mSize);
+    return ExtraData{kWaveFormatSize + kExtraSizeField, size};
 }
 
-// Keeps the codec-private bytes in the track. What is too short or contradicts itself is skipped.
-status_t RuvoAVIExtractor::readExtraData(StreamFormat* format) {
-    Track* track = currentTrack();
-    const size_t rest = format->size - format->headerSize;
-    if (rest == 0) return OK;
-
-    size_t extraSize = rest;
-    bool valid = track->mIsVideo && rest >= kMinVideoRest;
-    if (track->mIsAudio && rest >= kMinAudioRest) {
-        if (!readAudioExtraSize(format, rest, &extraSize)) return failure(ERROR_IO, __LINE__);
-        valid = format->headerSize > kWaveFormatSize;
-    }
-    if (!valid) {
-        AVI_LOGW("%s(): skip invalid codec data %zd bytes", "parseSTRF",
-                 static_cast<ssize_t>(rest));
-        return OK;
-    }
-
+// Keeps the codec-private bytes in the track.
+status_t keepExtraData(const FileReader& reader, const StreamFormat& format, const ExtraData& extra,
+                       Track* track) {
     sp<ABuffer> data;
-    const status_t err = mReader.readBuffer(
-        format->offset + static_cast<int64_t>(format->headerSize), extraSize, &data);
-    if (err == ERROR_IO) return failure(err, __LINE__);
+    const int64_t offset = format.offset + static_cast<int64_t>(extra.offset);
+    const status_t err = reader.readBuffer(offset, extra.size, &data);
+    if (err == ERROR_IO) return fail("parseSTRF", err, __LINE__);
     if (err != OK) return err;
     track->mCodecData = data;
     hexDump(data->data(), data->size());
     if (track->mIsAudio && data->size() >= 2) logAudioSpecificConfig(data->data());
+    return OK;
+}
+
+// What is too short or contradicts itself is skipped.
+status_t readExtraData(const FileReader& reader, const StreamFormat& format, size_t headerSize,
+                       Track* track) {
+    const size_t rest = format.size - headerSize;
+    if (rest == 0) return OK;
+    std::optional<ExtraData> extra;
+    bool ok = true;
+    if (track->mIsVideo && rest >= kMinVideoRest) extra = ExtraData{headerSize, rest};
+    if (track->mIsAudio && rest >= kMinAudioRest) {
+        extra = audioExtraData(reader, format, track, &ok);
+    }
+    if (!ok) return fail("parseSTRF", status_t{ERROR_IO}, __LINE__);
+    if (extra) return keepExtraData(reader, format, *extra, track);
+    AVI_LOGW("%s(): skip invalid codec data %zd bytes", "parseSTRF", static_cast<ssize_t>(rest));
+    return OK;
+}
+
+}  // namespace
+
+status_t parseSTRF(const FileReader& reader, int64_t start, int64_t end, AviFile* file,
+                   Track* track) {
+    AMediaFormat_setString(track->meta.get(), AMEDIAFORMAT_KEY_MIME, kMimeUndecided);
+
+    StreamFormat format;
+    format.offset = start;
+    format.size = static_cast<size_t>(end - start);
+    const size_t headerSize = track->mIsAudio ? kWaveFormatSize : kBitmapInfoSize;
+    if (format.size < headerSize) return fail("parseSTRF", status_t{ERROR_MALFORMED}, __LINE__);
+    if (track->mIsVideo && format.size > kBitmapInfoSize) {
+        AVI_LOGD("%s(): Video has %zdB extra config data.", "parseSTRF",
+                 static_cast<ssize_t>(format.size - kBitmapInfoSize));
+    }
+    if (!reader.readExactly(start, format.header, headerSize)) {
+        return fail("parseSTRF", status_t{ERROR_IO}, __LINE__);
+    }
+    if (track->mIsVideo && isSubtitleFormat(format)) {
+        track->mIsSubtitle = true;
+        track->mIsVideo = false;
+    }
+    // Audio durations are clamped to the video's, which is known once the video track is finished:
+    // so it must be finished first.
+    file->tracks.putVideoFirst(track);
+
+    const status_t err = readExtraData(reader, format, headerSize, track);
+    if (err != OK) return err;
+    if (track->mIsAudio) {
+        applyWaveFormat(format, file, track);
+    } else {
+        applyBitmapInfo(reader, format, file->meta.get(), track);
+    }
     return OK;
 }
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// The stream header: the kind of the stream, its time base and its length.
-#include "RuvoAVIExtractor.h"
+#include "riff/StreamHeader.h"
+
+#include <media/stagefright/MediaErrors.h>
+
 #include "support/ByteReader.h"
 #include "support/Log.h"
 
@@ -10,7 +11,7 @@ namespace android {
 constexpr int kLineShortStrh = 2800;
 constexpr int kLineUnreadableStrh = 2805;
 
-// The frame rectangle behind these bytes is not read: old writers leave it out.
+// The frame rectangle after these bytes is not read: old writers leave it out.
 constexpr size_t kStreamHeaderSize = 48;
 
 namespace {
@@ -64,26 +65,50 @@ int32_t roundFrameRate(float frameRate) {
     return roundUp && whole < INT32_MAX ? whole + 1 : whole;
 }
 
+void publishDisplaySize(const FrameSize& size, AMediaFormat* meta) {
+    if (size.width == 0 || size.height == 0) return;
+    AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_DISPLAY_WIDTH, static_cast<int32_t>(size.width));
+    AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_DISPLAY_HEIGHT, static_cast<int32_t>(size.height));
+}
+
+void publishFrameRate(const StreamHeader& h, AMediaFormat* fileMeta, Track* track) {
+    if (h.rate == 0 || h.scale == 0) {
+        AVI_LOGW("%s(): No valid frame rate info in this track.\n", "parseSTRH");
+        return;
+    }
+    const float frameRate = static_cast<float>(h.rate) / static_cast<float>(h.scale);
+    const int32_t rounded = roundFrameRate(frameRate);
+    track->info.mFrameRate = frameRate;
+    AMediaFormat_setInt32(track->meta.get(), AMEDIAFORMAT_KEY_FRAME_RATE, rounded);
+    AVI_LOGD("set track scale %u rate %u fps %f -> %d", h.scale, h.rate,
+             static_cast<double>(frameRate), rounded);
+    if (h.length == 0) return;
+    // The rounded rate on purpose: this duration is the one shown before the index is read.
+    AMediaFormat_setInt64(fileMeta, AMEDIAFORMAT_KEY_DURATION,
+                          divideOrZero<int64_t>(h.length * kUsPerSecond, rounded));
+}
+
 }  // namespace
 
-status_t RuvoAVIExtractor::parseSTRH(int64_t start, int64_t end) {
+status_t parseSTRH(const FileReader& reader, int64_t start, int64_t end, const FrameSize& frameSize,
+                   AMediaFormat* fileMeta, Track* track) {
     uint8_t bytes[kStreamHeaderSize];
     if (end - start < static_cast<int64_t>(sizeof(bytes))) {
-        fail("parseSTRH", ERROR_MALFORMED, kLineShortStrh);
-        return ERROR_MALFORMED;
+        return fail("parseSTRH", status_t{ERROR_MALFORMED}, kLineShortStrh);
     }
-    if (!mReader.readExactly(start, bytes, sizeof(bytes))) {
-        fail("parseSTRH", ERROR_IO, kLineUnreadableStrh);
-        return ERROR_IO;
+    if (!reader.readExactly(start, bytes, sizeof(bytes))) {
+        return fail("parseSTRH", status_t{ERROR_IO}, kLineUnreadableStrh);
     }
     const StreamHeader h = readStreamHeader(bytes);
     logStreamHeader(h);
 
-    Track* track = currentTrack();
     track->mIsVideo = h.type == fourcc("vids");
     track->mIsAudio = h.type == fourcc("auds") || h.type == fourcc("midi");
     track->info.mFccType = h.type;
-    if (track->mIsVideo) publishFrameRate(h.rate, h.scale, h.length);
+    if (track->mIsVideo) {
+        publishDisplaySize(frameSize, track->meta.get());
+        publishFrameRate(h, fileMeta, track);
+    }
 
     track->info.mScale = h.scale;
     track->info.mRate = h.rate;
@@ -93,30 +118,6 @@ status_t RuvoAVIExtractor::parseSTRH(int64_t start, int64_t end) {
     track->mMaxSampleSize = track->info.mSampleSize;
     track->mBadTrack = track->mIsAudio && audioDisabled();
     return OK;
-}
-
-void RuvoAVIExtractor::publishFrameRate(uint32_t rate, uint32_t scale, uint32_t length) {
-    Track* track = currentTrack();
-    AMediaFormat* meta = track->meta.get();
-    if (mWidth != 0 && mHeight != 0) {
-        AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_DISPLAY_WIDTH, static_cast<int32_t>(mWidth));
-        AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_DISPLAY_HEIGHT, static_cast<int32_t>(mHeight));
-    }
-    if (rate == 0 || scale == 0) {
-        AVI_LOGW("%s(): No valid frame rate info in this track.\n", "parseSTRH");
-        return;
-    }
-    const float frameRate = static_cast<float>(rate) / static_cast<float>(scale);
-    const int32_t rounded = roundFrameRate(frameRate);
-    track->info.mFrameRate = frameRate;
-    AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_FRAME_RATE, rounded);
-    AVI_LOGD("set track scale %u rate %u fps %f -> %d", scale, rate, static_cast<double>(frameRate),
-             rounded);
-    if (length != 0) {
-        // The rounded rate on purpose: this duration is the one shown before the index is read.
-        AMediaFormat_setInt64(mFileMeta.get(), AMEDIAFORMAT_KEY_DURATION,
-                              divideOrZero<int64_t>(length * kUsPerSecond, rounded));
-    }
 }
 
 }  // namespace android

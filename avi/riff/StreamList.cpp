@@ -1,20 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// One stream list of the header list: creates the stream's track, hands the list's chunks to their
-// readers and drops a stream that breaks the rules, so that the others still play.
-#include "RuvoAVIExtractor.h"
+#include "riff/StreamList.h"
+
+#include <media/stagefright/MediaErrors.h>
+
+#include "index/AddSample.h"
+#include "riff/StreamFormat.h"
+#include "riff/StreamName.h"
+#include "riff/VideoProperties.h"
 #include "support/Log.h"
 
 namespace android {
 
 constexpr int kLineUnreadableStrlChunk = 2034;
-
-struct RuvoAVIExtractor::StreamListState {
-    bool strh = false;
-    bool strf = false;
-    bool strd = false;
-    bool strn = false;
-};
 
 namespace {
 
@@ -34,59 +31,71 @@ bool comesBeforeStreamHeader(bool strhSeen, const char* chunkName) {
     return true;
 }
 
+bool isUsable(const Track& track) {
+    return !track.mBadTrack && (track.mIsVideo || track.mIsAudio || track.mIsSubtitle);
+}
+
+// The data of a codec driver: of no use here, but it has its place.
+bool skipDriverData(bool strhSeen, bool* strdSeen) {
+    if (*strdSeen) {
+        AVI_LOGW("%s(): Skip multiple strd...", "parseSTRL");
+        return true;
+    }
+    if (comesBeforeStreamHeader(strhSeen, "strd")) return false;
+    *strdSeen = true;
+    return true;
+}
+
 }  // namespace
 
-status_t RuvoAVIExtractor::parseSTRL(int64_t start, int64_t end, uint32_t streamIndex) {
+status_t StreamList::parseSTRL(int64_t start, int64_t end, uint32_t streamIndex,
+                               const FrameSize& frameSize) {
     AVI_LOGW("parseSTRL(): new track.");
-    addTrack(streamIndex);
+    Track* track = mFile->tracks.add(streamIndex);
     if (start >= end) {
-        logCorruptedStreamList(*mCurrentTrack, start, end, false, false);
+        logCorruptedStreamList(*track, start, end, false, false);
         return ERROR_MALFORMED;
     }
 
-    StreamListState seen;
+    Seen seen;
     ChunkWalker chunk(mReader, start);
     do {
         const HeaderRead read = chunk.advance();
         if (read == HeaderRead::kZeroTail) break;
         if (read == HeaderRead::kUnreadable) {
-            fail("parseSTRL", ERROR_IO, kLineUnreadableStrlChunk);
-            return ERROR_IO;
+            return fail("parseSTRL", status_t{ERROR_IO}, kLineUnreadableStrlChunk);
         }
-        const bool usable = parseStreamChunk(chunk, &seen) && !mCurrentTrack->mBadTrack;
-        const bool knownKind =
-            mCurrentTrack->mIsVideo || mCurrentTrack->mIsAudio || mCurrentTrack->mIsSubtitle;
-        if (!usable || !knownKind) {
-            dropCurrentTrack();
+        if (!parseChunk(chunk, frameSize, track, &seen) || !isUsable(*track)) {
+            AVI_LOGE("%s(): Something wrong, skip the track!", "parseSTRL");
+            mFile->tracks.drop(track);
             return OK;
         }
     } while (chunk.next() < end);
 
     if (chunk.next() > end || !seen.strh || !seen.strf) {
-        logCorruptedStreamList(*mCurrentTrack, chunk.next(), end, seen.strh, seen.strf);
+        logCorruptedStreamList(*track, chunk.next(), end, seen.strh, seen.strf);
         return ERROR_MALFORMED;
     }
     return OK;
 }
 
 // Handles one chunk of the stream list; false when the stream cannot be used.
-bool RuvoAVIExtractor::parseStreamChunk(const ChunkWalker& chunk, StreamListState* seen) {
+bool StreamList::parseChunk(const ChunkWalker& chunk, const FrameSize& frameSize, Track* track,
+                            Seen* seen) {
     const ChunkHeader& header = chunk.header();
     switch (header.id) {
         case fourcc("strh"):
+            return parseHeader(chunk, frameSize, track, seen);
         case fourcc("strf"):
+            return parseFormat(chunk, track, seen);
         case fourcc("strd"):
+            return skipDriverData(seen->strh, &seen->strd);
         case fourcc("strn"):
-            return parseUniqueStreamChunk(chunk, seen);
+            return parseName(chunk, track, seen);
         case fourcc("vprp"):
-            if (!seen->strh || !seen->strf) {
-                AVI_LOGW("%s(): Found vprp before strh or strf! Malformed file!", "parseSTRL");
-                return false;
-            }
-            parseVPRP(chunk.payload(), chunk.next());
-            return true;
+            return parseProperties(chunk, track, *seen);
         case fourcc("indx"):
-            parseStreamIndex(chunk.payload(), chunk.next());
+            parseIndex(chunk, track);
             return true;
         case fourcc("JUNK"):
             return true;
@@ -100,73 +109,55 @@ bool RuvoAVIExtractor::parseStreamChunk(const ChunkWalker& chunk, StreamListStat
     }
 }
 
+bool StreamList::parseHeader(const ChunkWalker& chunk, const FrameSize& frameSize, Track* track,
+                             Seen* seen) {
+    if (seen->strh) {
+        AVI_LOGW("%s(): Skip multiple strh", "parseSTRL");
+        return true;
+    }
+    seen->strh = parseSTRH(mReader, chunk.payload(), chunk.next(), frameSize, mFile->meta.get(),
+                           track) == OK;
+    return seen->strh;
+}
+
+bool StreamList::parseFormat(const ChunkWalker& chunk, Track* track, Seen* seen) {
+    if (seen->strf) {
+        AVI_LOGW("%s(): Skip multiple strf...", "parseSTRL");
+        return true;
+    }
+    if (comesBeforeStreamHeader(seen->strh, "strf")) return false;
+    seen->strf = true;
+    return parseSTRF(mReader, chunk.payload(), chunk.next(), mFile, track) == OK;
+}
+
+bool StreamList::parseName(const ChunkWalker& chunk, Track* track, Seen* seen) {
+    if (seen->strn) {
+        AVI_LOGW("%s(): Skip multiple strn...", "parseSTRL");
+        return true;
+    }
+    if (comesBeforeStreamHeader(seen->strh, "strn")) return false;
+    parseSTRN(mReader, chunk.payload(), chunk.next(), track);
+    seen->strn = true;
+    return true;
+}
+
+bool StreamList::parseProperties(const ChunkWalker& chunk, Track* track, const Seen& seen) {
+    if (!seen.strh || !seen.strf) {
+        AVI_LOGW("%s(): Found vprp before strh or strf! Malformed file!", "parseSTRL");
+        return false;
+    }
+    parseVPRP(mReader, chunk.payload(), chunk.next(), track);
+    return true;
+}
+
 // A track is indexed from its OpenDML index completely or not at all.
-void RuvoAVIExtractor::parseStreamIndex(int64_t start, int64_t end) {
-    if (parseINDX(start, end) == OK) {
-        mCurrentTrack->mINDXValid = true;
+void StreamList::parseIndex(const ChunkWalker& chunk, Track* track) {
+    track->mINDXValid = mOpenDml.parseINDX(chunk.payload(), chunk.next(), track) == OK;
+    if (track->mINDXValid) {
+        track->mTable.markFromOpenDml();
     } else {
-        clearSamples(currentTrack());
+        clearSamples(track);
     }
-}
-
-// The chunks of which only the first one counts.
-bool RuvoAVIExtractor::parseUniqueStreamChunk(const ChunkWalker& chunk, StreamListState* seen) {
-    const int64_t start = chunk.payload();
-    const int64_t end = chunk.next();
-    switch (chunk.header().id) {
-        case fourcc("strh"):
-            if (seen->strh) {
-                AVI_LOGW("%s(): Skip multiple strh", "parseSTRL");
-                return true;
-            }
-            seen->strh = parseSTRH(start, end) == OK;
-            return seen->strh;
-        case fourcc("strf"):
-            if (seen->strf) {
-                AVI_LOGW("%s(): Skip multiple strf...", "parseSTRL");
-                return true;
-            }
-            if (comesBeforeStreamHeader(seen->strh, "strf")) return false;
-            seen->strf = true;
-            return parseSTRF(start, end) == OK;
-        case fourcc("strd"):
-            if (seen->strd) {
-                AVI_LOGW("%s(): Skip multiple strd...", "parseSTRL");
-                return true;
-            }
-            if (comesBeforeStreamHeader(seen->strh, "strd")) return false;
-            seen->strd = true;
-            return true;
-        default:  // strn
-            if (seen->strn) {
-                AVI_LOGW("%s(): Skip multiple strn...", "parseSTRL");
-                return true;
-            }
-            if (comesBeforeStreamHeader(seen->strh, "strn")) return false;
-            parseSTRN(start, end);
-            seen->strn = true;
-            return true;
-    }
-}
-
-void RuvoAVIExtractor::addTrack(uint32_t streamIndex) {
-    mTracks.emplace_back();
-    mCurrentTrack = std::prev(mTracks.end());
-    mCurrentTrack->info.mStreamIndex = streamIndex;
-    if (streamIndex >= mTracksByStream.size()) {
-        mTracksByStream.resize(streamIndex + 1, nullptr);
-    }
-    // A second header list counts its streams from 0 again: the first taker keeps the number.
-    Track*& slot = mTracksByStream[streamIndex];
-    if (slot == nullptr) slot = currentTrack();
-}
-
-void RuvoAVIExtractor::dropCurrentTrack() {
-    AVI_LOGE("%s(): Something wrong, skip the track!", "parseSTRL");
-    Track*& slot = mTracksByStream[mCurrentTrack->info.mStreamIndex];
-    if (slot == currentTrack()) slot = nullptr;
-    mTracks.erase(mCurrentTrack);
-    mCurrentTrack = mTracks.end();
 }
 
 }  // namespace android

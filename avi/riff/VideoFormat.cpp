@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// The bitmap header of a video or subtitle stream: identifies the codec, fills the track's format
-// and publishes configuration that stands behind the header.
+#include "riff/VideoFormat.h"
+
 #include <media/NdkMediaFormatRuvo.h>
 #include <media/stagefright/foundation/MediaDefs.h>
-#include <string.h>
 
-#include "RuvoAVIExtractor.h"
 #include "codec/AvcConfig.h"
 #include "riff/CodecTables.h"
-#include "riff/StreamFormat.h"
 #include "support/ByteReader.h"
 #include "support/HexDump.h"
 #include "support/Log.h"
@@ -110,10 +106,25 @@ void publishWindowsMediaHeader(Track* track) {
     AMediaFormat_setBuffer(track->meta.get(), AMEDIAFORMAT_KEY_CSD_0, extra->data(), extra->size());
 }
 
+void readAvcRecord(const FileReader& reader, const StreamFormat& format, Track* track) {
+    const size_t extraSize = format.size - kBitmapInfoSize;
+    sp<ABuffer> extra;
+    if (extraSize == 0 || reader.readBuffer(format.offset + static_cast<int64_t>(kBitmapInfoSize),
+                                            extraSize, &extra) != OK) {
+        return;
+    }
+    publishAvcRecord(track, extra);
+}
+
 }  // namespace
 
-void RuvoAVIExtractor::applyBitmapInfo(const StreamFormat& format) {
-    Track* track = currentTrack();
+bool isSubtitleFormat(const StreamFormat& format) {
+    const FourCC compression = readBitmapInfo(format).compression;
+    return compression == fourcc("DXSB") || compression == fourcc("DXSA");
+}
+
+void applyBitmapInfo(const FileReader& reader, const StreamFormat& format, AMediaFormat* fileMeta,
+                     Track* track) {
     AMediaFormat* meta = track->meta.get();
     const BitmapInfo b = readBitmapInfo(format);
     const char* mime = videoFourCCToMime(b.compression);
@@ -124,27 +135,16 @@ void RuvoAVIExtractor::applyBitmapInfo(const StreamFormat& format) {
     track->mNeedCodecData = needsCodecData(b.compression);
     AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_WIDTH, b.width);
     AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_HEIGHT, b.height);
-    memcpy(track->info.mBitmapInfo.data(), format.header, kBitmapInfoSize);
     logBitmapInfo(b, mime);
     if (isMime(mime, MEDIA_MIMETYPE_AVI_VIDEO_UNKNOWN)) {
-        AMediaFormat_setInt32(mFileMeta.get(), AMEDIAFORMAT_KEY_HAS_UNSUPPORT_VIDEO, 1);
+        AMediaFormat_setInt32(fileMeta, AMEDIAFORMAT_KEY_HAS_UNSUPPORT_VIDEO, 1);
     }
-    if (track->mIsAVC) readAvcRecord(format);
+    if (track->mIsAVC) readAvcRecord(reader, format, track);
     if (track->mCodecData == nullptr) return;
     if (track->mIsAVC || track->mIsHEVC) keepByteStreamParameterSets(track);
     if (isMime(mime, MEDIA_MIMETYPE_VIDEO_WMV) || isMime(mime, MEDIA_MIMETYPE_VIDEO_VC1)) {
         publishWindowsMediaHeader(track);
     }
-}
-
-void RuvoAVIExtractor::readAvcRecord(const StreamFormat& format) {
-    const size_t extraSize = format.size - kBitmapInfoSize;
-    sp<ABuffer> extra;
-    if (extraSize == 0 || mReader.readBuffer(format.offset + static_cast<int64_t>(kBitmapInfoSize),
-                                             extraSize, &extra) != OK) {
-        return;
-    }
-    publishAvcRecord(currentTrack(), extra);
 }
 
 }  // namespace android

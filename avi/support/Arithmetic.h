@@ -61,6 +61,11 @@ constexpr int32_t saturateToInt32(int64_t value) {
     return static_cast<int32_t>(value);
 }
 
+// The low 32 bits, as formats hold numbers that players read as int32.
+constexpr int32_t lowInt32(int64_t value) {
+    return static_cast<int32_t>(static_cast<uint32_t>(value & 0xFFFFFFFF));
+}
+
 constexpr uint32_t saturateToUint32(uint64_t value) {
     return value > UINT32_MAX ? UINT32_MAX : static_cast<uint32_t>(value);
 }

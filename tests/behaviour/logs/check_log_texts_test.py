@@ -73,7 +73,8 @@ class CheckLogTexts(unittest.TestCase):
                            rows(("%s(): end", "f(): end")), "cannot be found out")
 
     def test_failures_have_one_text(self):
-        self.assert_agree('void f() { AVI_LOG_FAILURE("f", -1, __LINE__); }',
+        self.assert_agree('void fail(const char* function, int line) { AVI_LOGE("%s(): error -%X @line%d", function, 1, line); }'
+                          'void f() { fail("f", __LINE__); }',
                           rows(("%s(): error -%X @line%d", "f(): error -1 @line#")))
 
     def test_text_that_is_no_literal_is_a_problem(self):

@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// Closing of the tracks once all indexes are read: largest sample, bad tracks, durations and
-// bit rates.
+#include "index/Durations.h"
+
+#include <media/stagefright/MediaErrors.h>
 #include <media/stagefright/foundation/AString.h>
 #include <media/stagefright/foundation/MediaDefs.h>
 
 #include <algorithm>
 
-#include "RuvoAVIExtractor.h"
-#include "TrackDump.h"
-#include "codec/AudioCodecData.h"
 #include "support/BitRate.h"
 #include "support/Log.h"
 #include "support/Mime.h"
@@ -27,14 +24,14 @@ uint32_t byteTimedTotal(const Track& track) {
     return std::max(track.mTotalSamples, table.bytesThrough(table.size() - 1));
 }
 
-uint32_t bytesPerSecond(const TrackInfo& info) {
+int64_t bytesPerSecond(const TrackInfo& info) {
     if (info.mAvgBytesPerSec != 0) return info.mAvgBytesPerSec;
     if (info.mBitsPerSample == 0) return 1;
-    return saturateToUint32(uint64_t{info.mSamplesPerSec} * info.mBitsPerSample / 8);
+    return int64_t{info.mSamplesPerSec} * info.mBitsPerSample / 8;
 }
 
 // REQUIRES: the track has samples.
-int64_t audioDurationUs(const Track& track) {
+int64_t durationOfAudioUs(const Track& track) {
     const TrackInfo& info = track.info;
     if (info.mBlockMode) {
         const int32_t blocks = track.mTable.blocksThrough(track.mTable.size() - 1);
@@ -49,7 +46,7 @@ int64_t audioDurationUs(const Track& track) {
     return unitsToUs(track.mTotalSamples, info.mScale, info.mRate);
 }
 
-int64_t videoDurationUs(const Track& track) {
+int64_t durationOfVideoUs(const Track& track) {
     if (track.info.mFrameRate == 0) return 0;
     const auto us = static_cast<float>(track.mTotalSamples * kUsPerSecond);
     return clampTo<int64_t>(us / track.info.mFrameRate);
@@ -83,7 +80,7 @@ void logTable(const Track& track, const char* mime, uint32_t totalSize) {
 }
 
 void publishDuration(Track* track, const char* mime, int64_t durationUs) {
-    const auto bitRate = static_cast<int32_t>(saturateToInt64(
+    const int32_t bitRate = lowInt32(saturateToInt64(
         divideOrZero(Wide{track->mTotalSampleSize} * 8 * kUsPerSecond, Wide{durationUs})));
     AString text;
     appendBitRate(bitRate, &text);
@@ -102,53 +99,21 @@ void publishDuration(Track* track, const char* mime, int64_t durationUs) {
     }
 }
 
+// Audio stream headers often claim more than there is; nobody listens on after the film.
+int64_t clampToVideo(int64_t audioDurationUs, int64_t videoDurationUs) {
+    if (videoDurationUs < 1 || audioDurationUs <= videoDurationUs) return audioDurationUs;
+    if (audioDurationUs - videoDurationUs <= kMaxAudioOverhangUs) return audioDurationUs;
+    AVI_LOGW("The audio duration(%lldus) is much bigger than the video(%lldus).",
+             ll(audioDurationUs), ll(videoDurationUs));
+    return videoDurationUs;
+}
+
 }  // namespace
 
-status_t RuvoAVIExtractor::finishParse() {
-    for (Track& track : mTracks) {
-        finishTrack(&track);
-        dumpTrack(track);
-    }
-    if (!mHasVideo && !mHasAudio && !mHasSubtitle) return ERROR_UNSUPPORTED;
-    return OK;
-}
-
-void RuvoAVIExtractor::finishTrack(Track* track) {
-    const char* mime = trackMime(*track);
-    AVI_LOGV("======================================");
-    const int samples = static_cast<int>(track->mTable.size());
-    AVI_LOGD("%s(%s): set kKeyMaxInputSize %d sampleCount %d", "finishParse", mime,
-             static_cast<int>(track->mMaxSampleSize), samples);
-    AMediaFormat_setInt32(track->meta.get(), AMEDIAFORMAT_KEY_MAX_INPUT_SIZE,
-                          static_cast<int32_t>(track->mMaxSampleSize));
-    if (samples == 0) {
-        AVI_LOGE("%s(%s): The track doesn't have any samples!", "finishParse", mime);
-        track->mBadTrack = true;
-    } else if (track->mIsAudio) {
-        generateAudioCodecData(mReader, track);
-        mime = trackMime(*track);
-    }
-    if (track->mBadTrack) {
-        // It stays in the list: players number their tracks by the streams of the file.
-        AVI_LOGW("%s(%s): BAD TRACK!!! Skip it.", "finishParse", mime);
-        AMediaFormat_setString(
-            track->meta.get(), AMEDIAFORMAT_KEY_MIME,
-            track->mIsAudio ? kMimeAudioUnknown : MEDIA_MIMETYPE_AVI_VIDEO_UNKNOWN);
-        track->mIsVideo = track->mIsAudio = track->mIsSubtitle = false;
+void updateSamples(Track* track, int64_t* videoDurationUs) {
+    if (track->info.mRate == 0) {
+        fail("updateSamples", status_t{ERROR_MALFORMED}, __LINE__);
         return;
-    }
-    AVI_LOGD("%s(%s): finished samples %d syncSamples %u", "finishParse", mime, samples,
-             track->mTotalSyncSamples);
-    mHasVideo |= track->mIsVideo;
-    mHasAudio |= track->mIsAudio;
-    mHasSubtitle |= track->mIsSubtitle;
-    updateSamples(track);
-}
-
-status_t RuvoAVIExtractor::updateSamples(Track* track) {
-    if (track == nullptr || track->info.mRate == 0) {
-        fail("updateSamples", ERROR_MALFORMED, __LINE__);
-        return ERROR_MALFORMED;
     }
     track->info.mIsVBRWise = isVbrWise(*track);
     const char* mime = trackMime(*track);
@@ -157,24 +122,14 @@ status_t RuvoAVIExtractor::updateSamples(Track* track) {
     if (track->mIsVideo) {
         const auto indexed = static_cast<uint32_t>(track->mTable.size());
         track->mTotalSamples = std::min(indexed, track->mTotalSamples);
-        durationUs = mVideoDurationUs = videoDurationUs(*track);
+        durationUs = *videoDurationUs = durationOfVideoUs(*track);
     } else if (track->mIsAudio) {
         const bool isByteTimed = !track->info.mBlockMode && track->info.mSampleSize == 1;
         totalSize = isByteTimed ? byteTimedTotal(*track) : 0;
-        durationUs = clampToVideo(audioDurationUs(*track));
+        durationUs = clampToVideo(durationOfAudioUs(*track), *videoDurationUs);
     }
     logTable(*track, mime, totalSize);
     publishDuration(track, mime, durationUs);
-    return OK;
-}
-
-// Audio stream headers often claim more than there is; nobody listens on after the film.
-int64_t RuvoAVIExtractor::clampToVideo(int64_t audioDurationUs) const {
-    if (mVideoDurationUs < 1 || audioDurationUs <= mVideoDurationUs) return audioDurationUs;
-    if (audioDurationUs - mVideoDurationUs <= kMaxAudioOverhangUs) return audioDurationUs;
-    AVI_LOGW("The audio duration(%lldus) is much bigger than the video(%lldus).",
-             ll(audioDurationUs), ll(mVideoDurationUs));
-    return mVideoDurationUs;
 }
 
 }  // namespace android

@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// The optional chunks of a stream list that describe it further: its name, which may tell the
-// language, and the video properties header of OpenDML files, which tells the aspect ratio.
-#include <string_view>
+#include "riff/VideoProperties.h"
 
-#include "RuvoAVIExtractor.h"
 #include "support/ByteReader.h"
 #include "support/HexDump.h"
 #include "support/Log.h"
@@ -13,25 +9,8 @@ namespace android {
 
 namespace {
 
-constexpr int64_t kMaxPropertySize = 0xFFFFFFE;
+constexpr int64_t kMaxPropertiesSize = 0xFFFFFFE;
 constexpr size_t kFieldDescriptorSize = 32;
-
-struct LanguageHint {
-    std::string_view text;  // in the stream's name
-    const char* language;   // ISO 639-2
-};
-
-// In the order in which they are looked for.
-constexpr LanguageHint kLanguageHints[] = {
-    {"en-", "eng"}, {"fr-", "fre"}, {"de-", "deu"}, {"es-", "spa"}, {"jp-", "jpn"}, {"zh-", "chi"},
-};
-
-const char* languageFromName(std::string_view name) {
-    for (const LanguageHint& hint : kLanguageHints) {
-        if (name.find(hint.text) != std::string_view::npos) return hint.language;
-    }
-    return "und";
-}
 
 // u32 token | u32 standard | u32 refreshRate | u32 hTotal | u32 vTotal |
 // u16 aspect height | u16 aspect width | u32 frameWidth | u32 frameHeight | u32 fields
@@ -82,33 +61,23 @@ void logFieldDescriptors(ByteReader in, uint32_t fields) {
     }
 }
 
-}  // namespace
-
-status_t RuvoAVIExtractor::parseSTRN(int64_t start, int64_t end) {
-    const char* language = "und";
-    const int64_t size = end - start;
-    sp<ABuffer> name;
-    if (size >= 1 && size <= kMaxPropertySize &&
-        mReader.readBuffer(start, static_cast<size_t>(size), &name) == OK) {
-        // The text may end before the chunk does.
-        const char* text = reinterpret_cast<const char*>(name->data());
-        const std::string_view view(text, strnlen(text, name->size()));
-        language = languageFromName(view);
-        AVI_LOGV("strn '%.*s', language '%s'", static_cast<int>(view.size()), view.data(),
-                 language);
-    }
-    AMediaFormat_setString(currentTrack()->meta.get(), AMEDIAFORMAT_KEY_LANGUAGE, language);
-    return OK;
+void publishAspectRatio(uint16_t width, uint16_t height, AMediaFormat* meta) {
+    if (width == 0 || height == 0) return;
+    AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_SAR_WIDTH, width);
+    AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_SAR_HEIGHT, height);
+    AVI_LOGD("set kKeySARWidth %d, kKeySARHeight %d", width, height);
 }
 
-status_t RuvoAVIExtractor::parseVPRP(int64_t start, int64_t end) {
+}  // namespace
+
+void parseVPRP(const FileReader& reader, int64_t start, int64_t end, Track* track) {
     const int64_t size = end - start;
     AVI_LOGV("==== parseVPRP(pos: %lld, end: %lld, size: %zd) ====", ll(start), ll(end),
              static_cast<ssize_t>(size));
     sp<ABuffer> chunk;
-    if (size == 0 || size > kMaxPropertySize ||
-        mReader.readBuffer(start, static_cast<size_t>(size), &chunk) != OK) {
-        return OK;
+    if (size == 0 || size > kMaxPropertiesSize ||
+        reader.readBuffer(start, static_cast<size_t>(size), &chunk) != OK) {
+        return;
     }
     hexDump(chunk->data(), chunk->size());
 
@@ -119,19 +88,10 @@ status_t RuvoAVIExtractor::parseVPRP(int64_t start, int64_t end) {
         // A writer that cuts its field descriptors short cannot be trusted with the ratio either.
         if (properties.fields <= in.remaining() / kFieldDescriptorSize) {
             logFieldDescriptors(in, properties.fields);
-            publishAspectRatio(properties.aspectWidth, properties.aspectHeight);
+            publishAspectRatio(properties.aspectWidth, properties.aspectHeight, track->meta.get());
         }
     }
     AVI_LOGV("%s(): end...", "parseVPRP");
-    return OK;
-}
-
-void RuvoAVIExtractor::publishAspectRatio(uint16_t width, uint16_t height) {
-    if (width == 0 || height == 0) return;
-    AMediaFormat* meta = currentTrack()->meta.get();
-    AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_SAR_WIDTH, width);
-    AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_SAR_HEIGHT, height);
-    AVI_LOGD("set kKeySARWidth %d, kKeySARHeight %d", width, height);
 }
 
 }  // namespace android

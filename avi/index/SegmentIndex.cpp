@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "index/SegmentIndex.h"
+
+#include "index/AddSample.h"
+#include "index/LegacyIndex.h"
+#include "support/Log.h"
+
+namespace android {
+
+constexpr int kLineMoreRiffWithoutIndex = 4376;
+
+namespace {
+
+// A file that is cut within its index has lost the end of its movi list too.
+bool isCut(int64_t end, int64_t fileSize) {
+    if (fileSize >= end) return false;
+    AVI_LOGW("%s(): Chunked file with wrong idx1(end %lld, fileSize %lld), ignore it!", "parseIDX1",
+             ll(end), ll(fileSize));
+    return true;
+}
+
+}  // namespace
+
+void SegmentIndex::parseMOVI(int64_t start, int64_t end) {
+    mMovi.start = static_cast<uint32_t>(start - kListHeaderSize);
+    mMovi.size = static_cast<uint32_t>(end - start);
+    AVI_LOGV("%s(): @%d, size %u, end...", "parseMOVI", static_cast<int>(mMovi.start), mMovi.size);
+}
+
+status_t SegmentIndex::readFirstIdx1(int64_t start, int64_t end) {
+    AVI_LOGV("%s(): found idx, idx1Found: %d", "parseFirstRIFF", mIdx1Found);
+    if (mIdx1Found) {
+        AVI_LOGW("%s(): skip multiple idx1!", "parseFirstRIFF");
+        return OK;
+    }
+    if (allTracksIndexed()) {
+        AVI_LOGW("%s(): we already have index, ignore idx1!", "parseFirstRIFF");
+        return OK;
+    }
+    for (const auto& track : mTracks) {
+        clearSamples(track.get());
+    }
+    mIdx1Found = true;
+    if (isCut(end, mReader.size())) return OK;
+    const status_t err = parseIDX1(mReader, mTracks, start, end, mMovi.start);
+    mHasIndex = err == OK;
+    return err;
+}
+
+bool SegmentIndex::allTracksIndexed() const {
+    for (const auto& track : mTracks) {
+        const bool hasSamples = track->mIsVideo || track->mIsAudio || track->mIsSubtitle;
+        if (hasSamples && !track->mINDXValid) return false;
+    }
+    return true;
+}
+
+void SegmentIndex::completeFirst() {
+    if (mHasIndex || allTracksIndexed()) return;
+    for (const auto& track : mTracks) {
+        if (track->mIsVideo) track->info.mBrokenIndex = true;
+    }
+    AVI_LOGW("%s(): The riff doesn't have index!", "parseFirstRIFF");
+    AVI_LOGW("%s(): Need to parse 'movi' and may take a long time.", "parseFirstRIFF");
+    MoviScan(mReader, mTracks).parseMOVIMore(mMovi);
+}
+
+status_t SegmentIndex::readFurtherIdx1(int64_t start, int64_t end) {
+    if (isCut(end, mReader.size())) return OK;
+    return parseIDX1(mReader, mTracks, start, end, mMovi.start);
+}
+
+void SegmentIndex::scanFurther() {
+    AVI_LOGW("%s(): This riff doesn't have index. May take a long time to parse 'movi' chunk!@L%d",
+             "parseMoreRIFF", kLineMoreRiffWithoutIndex);
+    MoviScan(mReader, mTracks).parseMOVIMore(mMovi);
+}
+
+bool SegmentIndex::videoFullyIndexed() const {
+    for (const auto& track : mTracks) {
+        if (!track->mIsVideo) continue;
+        const size_t indexed = track->mTable.size();
+        if (indexed >= track->mTotalSamples) {
+            AVI_LOGD("%s(): All frames have been indexed. No need to parse other riff(s).",
+                     "parseFirstRIFF");
+            return true;
+        }
+        AVI_LOGD("%s(): Video track indexed frames %zu VS total frames %u", "parseFirstRIFF",
+                 indexed, track->mTotalSamples);
+    }
+    AVI_LOGD("%s(): Not all frames have been indexed. Need parse more riff(s).", "parseFirstRIFF");
+    return false;
+}
+
+}  // namespace android
