@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Checks that docs/behaviour.md and the tests agree: every test that it names exists, and every
-behaviour test is named.
+"""Checks that docs/behaviour and the tests agree: each test that a page names exists, and each
+behaviour test is named in the page of its folder.
 
+The page of tests/behaviour/FOLDER is docs/behaviour/FOLDER.md, and docs/behaviour.md links to it.
 A test is named in the last column of a table whose header ends in "Shown by", as `Suite.Test`;
 a parameterised one without the prefix and the parameter. Disabled tests count as absent.
 """
@@ -23,14 +24,14 @@ def tests_in(folder):
     for source in sorted(folder.rglob("*.cpp")):
         for suite, test in TEST.findall(source.read_text(encoding="utf-8")):
             if not (suite.startswith("DISABLED_") or test.startswith("DISABLED_")):
-                found[f"{suite}.{test}"] = source.relative_to(ROOT)
+                found[f"{suite}.{test}"] = source
     return found
 
 
-def rows_of(document):
-    """Line number and last cell of each row of the tables that tell what shows a behaviour."""
+def rows_of(page):
+    """Line number and last cell of each row of the tables that name tests."""
     in_table = False
-    for number, line in enumerate(document.read_text(encoding="utf-8").splitlines(), 1):
+    for number, line in enumerate(page.read_text(encoding="utf-8").splitlines(), 1):
         if not line.startswith("|"):
             in_table = False
             continue
@@ -41,39 +42,51 @@ def rows_of(document):
             yield number, cell
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--file", type=pathlib.Path, default=ROOT / "docs/behaviour.md")
-    parser.add_argument("--folders", nargs="+", metavar="FOLDER", default=["."],
-                        help="folders of tests/behaviour whose tests must be named (default: all)")
-    arguments = parser.parse_args()
-
-    if not arguments.file.is_file():
-        parser.error(f"there is no {arguments.file}")
-    existing = tests_in(ROOT / "tests")
+def named_in(page, existing, failures):
+    """The tests that a page names; adds rows without a test and absent tests to the failures."""
     named = set()
-    failures = []
-    for number, cell in rows_of(arguments.file):
+    for number, cell in rows_of(page):
         names = re.findall(r"`([^`]*)`", cell)
         if not names:
-            failures.append(f"{arguments.file}:{number}: the row names no test")
-        for name in names:
-            if name not in existing:
-                failures.append(f"{arguments.file}:{number}: there is no test {name}")
+            failures.append(f"{page}:{number}: the row names no test")
+        failures += [f"{page}:{number}: there is no test {name}"
+                     for name in names if name not in existing]
         named.update(names)
+    return named
 
-    wanted = {}
-    for folder in arguments.folders:
-        path = ROOT / "tests/behaviour" / folder
-        if not path.is_dir():
-            parser.error(f"there is no folder {path}")
-        wanted.update(tests_in(path))
-    for name, source in wanted.items():
-        if name not in named:
-            failures.append(f"{source}: {name} is not named in {arguments.file}")
 
-    print("\n".join(failures) or f"{len(wanted)} behaviour tests are named in {arguments.file}")
-    return 1 if failures or not wanted else 0
+def check(tests, docs):
+    """The number of behaviour tests below a folder of tests, and what is wrong with their pages."""
+    contents = docs / "behaviour.md"
+    failures = [] if contents.is_file() else [f"there is no {contents}"]
+    linked = contents.read_text(encoding="utf-8") if contents.is_file() else ""
+    folders = {path.name: tests_in(path) for path in (tests / "behaviour").iterdir()
+               if path.is_dir()}
+    pages = {path.stem: path for path in (docs / "behaviour").glob("*.md")}
+    existing = tests_in(tests)
+
+    failures += [f"{pages[name]}: there is no folder tests/behaviour/{name}"
+                 for name in sorted(pages.keys() - folders.keys())]
+    for name, page in sorted(pages.items()):
+        named = named_in(page, existing, failures)
+        failures += [f"{source}: {test} is not named in {page}"
+                     for test, source in folders.get(name, {}).items() if test not in named]
+        if f"(behaviour/{name}.md)" not in linked:
+            failures.append(f"{contents}: there is no link to {page}")
+    failures += [f"there is no page {docs}/behaviour/{name}.md"
+                 for name in sorted(folders.keys() - pages.keys()) if folders[name]]
+    return sum(map(len, folders.values())), failures
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--tests", type=pathlib.Path, default=ROOT / "tests")
+    parser.add_argument("--docs", type=pathlib.Path, default=ROOT / "docs")
+    arguments = parser.parse_args()
+
+    count, failures = check(arguments.tests, arguments.docs)
+    print("\n".join(failures) or f"{count} behaviour tests are named in {arguments.docs}/behaviour")
+    return 1 if failures or not count else 0
 
 
 if __name__ == "__main__":
