@@ -9,7 +9,13 @@ namespace {
 
 using ::testing::Contains;
 
-class IndexChoice : public IndexesFixture {};
+class IndexChoice : public IndexesFixture {
+  protected:
+    void parse(const Bytes& file) {
+        openFile(file);
+        countTracks();
+    }
+};
 
 // Video (0) with an OpenDML index that knows the first frame only, and audio (1) without one.
 AviFile halfIndexedFile() {
@@ -158,23 +164,51 @@ TEST_F(IndexChoice, IndexMayComeBeforeOtherChunksOfTheStreamList) {
 
 using IndexChoiceDeathTest = IndexChoice;
 
-constexpr char kMimeAssertion[] =
+// A track without a stream format has no MIME type yet; the first to ask for it names it so.
+constexpr char kAskedByTheIndex[] =
     "CHECK\\(AMediaFormat_getString\\(mLastTrack->meta, AMEDIAFORMAT_KEY_MIME, &mime\\)\\) "
     "failed\\.";
+constexpr char kAskedByTheConfiguration[] =
+    "CHECK\\(AMediaFormat_getString\\(track->meta, AMEDIAFORMAT_KEY_MIME, &mime\\)\\) "
+    "failed\\.";
+
+// Video of some frames with an OpenDML index, its stream list in this order.
+Bytes fileInOrder(OpenDml form, size_t frames, const std::vector<ChunkId>& order) {
+    AviFile avi = unindexedFile(frames);
+    avi.stream(0).openDml = form;
+    avi.stream(0).edit = [&order](Chunk& strl) { strl.arrange(order); };
+    return avi.build();
+}
 
 TEST_F(IndexChoiceDeathTest, IndexInFrontOfTheFormatAborts) {
-    AviFile avi = unindexedFile(3);
-    avi.stream(0).edit = [](Chunk& strl) { strl.arrange({"strh", "indx", "strf"}); };
     for (const OpenDml form : {OpenDml::kStandard, OpenDml::kSuper}) {
-        avi.stream(0).openDml = form;
-        const Bytes file = avi.build();
-        EXPECT_DEATH(
-            {
-                openFile(file);
-                countTracks();
-            },
-            kMimeAssertion);
+        const Bytes file = fileInOrder(form, 3, {"strh", "indx", "strf"});
+        EXPECT_DEATH(parse(file), kAskedByTheIndex);
     }
+}
+
+TEST_F(IndexChoiceDeathTest, IndexInFrontOfTheStreamHeaderAborts) {
+    const Bytes file = fileInOrder(OpenDml::kStandard, 3, {"indx", "strh", "strf"});
+    EXPECT_DEATH(parse(file), kAskedByTheIndex);
+}
+
+// A video track is configured at its tenth sample, before its index has been read to the end.
+TEST_F(IndexChoiceDeathTest, IndexOfTenFramesInFrontOfTheFormatAborts) {
+    const Bytes nine = fileInOrder(OpenDml::kStandard, 9, {"strh", "indx", "strf"});
+    EXPECT_DEATH(parse(nine), kAskedByTheIndex);
+    const Bytes ten = fileInOrder(OpenDml::kStandard, 10, {"strh", "indx", "strf"});
+    EXPECT_DEATH(parse(ten), kAskedByTheConfiguration);
+}
+
+TEST_F(IndexChoiceDeathTest, EmptyStandardIndexInFrontOfTheFormatAborts) {
+    AviFile avi = unindexedFile(3);
+    avi.stream(0).openDml = OpenDml::kStandard;
+    avi.stream(0).edit = [](Chunk& strl) {
+        strl.child("indx").payload[4] = 0;
+        strl.arrange({"strh", "indx", "strf"});
+    };
+    const Bytes file = avi.build();
+    EXPECT_DEATH(parse(file), kAskedByTheIndex);
 }
 
 TEST_F(IndexChoice, IndexInFrontOfTheFormatThatFailsDoesNotAbort) {

@@ -33,6 +33,13 @@ AviFile scanned(const std::vector<Chunk>& strange) {
     return avi;
 }
 
+Play indexedBeforeFormat(size_t frames) {
+    AviFile avi = unindexedFile(frames);
+    avi.stream(0).openDml = OpenDml::kStandard;
+    avi.stream(0).edit = [](Chunk& strl) { strl.arrange({"strh", "indx", "strf"}); };
+    return {avi.build()};
+}
+
 // Pictures and twice as much sound.
 AviFile longSound() {
     AviFile avi = twoStreams();
@@ -72,6 +79,14 @@ Play idx1WithEntriesRepeated() {
         entries.resize(200, entries[0]);
     };
     return {avi.build()};
+}
+
+Play indexBeforeFormat() {
+    return indexedBeforeFormat(3);
+}
+
+Play indexOfTenFramesBeforeFormat() {
+    return indexedBeforeFormat(10);
 }
 
 Play superIndex() {

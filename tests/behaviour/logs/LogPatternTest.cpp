@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
+#include <gtest/gtest.h>
+
 #include "tests/behaviour/logs/LogPattern.h"
 
 #include <gtest/gtest.h>

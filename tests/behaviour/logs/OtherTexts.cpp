@@ -18,19 +18,15 @@ constexpr FatalText kFatal[] = {
     {"CHECK(clone != NULL) failed.", emptyAnswerForAFrame},
     {"CHECK(dstOffset + 4 <= mBuffer->size()) failed.", nalUnitsBeyondTheBuffer},
     {"CHECK_LE( samplingFreqIndex,11u) failed: %u vs. %u", aacOfImpossibleRate},
+    {"CHECK(AMediaFormat_getString(mLastTrack->meta, AMEDIAFORMAT_KEY_MIME, &mime)) failed.",
+     indexBeforeFormat},
+    {"CHECK(AMediaFormat_getString(track->meta, AMEDIAFORMAT_KEY_MIME, &mime)) failed.",
+     indexOfTenFramesBeforeFormat},
 };
 
-constexpr char kEveryTrackHasAMimeType[] =
-    "the parser gives every track a MIME type before anything else is known of it";
-
 constexpr UnreachedText kUnreached[] = {
-    {"CHECK(success) failed.", "CHECK(success) failed.", kEveryTrackHasAMimeType},
-    {"CHECK(AMediaFormat_getString(track->meta, AMEDIAFORMAT_KEY_MIME, &mime)) failed.",
-     "CHECK(AMediaFormat_getString(track->meta, AMEDIAFORMAT_KEY_MIME, &mime)) failed.",
-     kEveryTrackHasAMimeType},
-    {"CHECK(AMediaFormat_getString(mLastTrack->meta, AMEDIAFORMAT_KEY_MIME, &mime)) failed.",
-     "CHECK(AMediaFormat_getString(mLastTrack->meta, AMEDIAFORMAT_KEY_MIME, &mime)) failed.",
-     kEveryTrackHasAMimeType},
+    {"CHECK(success) failed.", "CHECK(success) failed.",
+     "a track that is handed out has a stream format, which gives it a MIME type"},
     {"CHECK(isSyncSample == 0 || isSyncSample == 1) failed.",
      "CHECK(isSyncSample == 0 || isSyncSample == 1) failed.", "all index readers write 0 or 1"},
     {"malloc(%zu) falied!", "malloc(70) falied!", "takes a failing allocation of a few bytes"},

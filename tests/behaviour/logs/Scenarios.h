@@ -69,6 +69,8 @@ Play unreadableIdx1();
 Play idx1BeyondTheFile();
 Play idx1WithEntriesRepeated();
 Play superIndex();
+Play indexBeforeFormat();
+Play indexOfTenFramesBeforeFormat();
 Play shortOpenDmlIndex();
 Play unreadableOpenDmlIndex();
 Play unknownOpenDmlIndex();
