@@ -3,7 +3,7 @@
 #
 # usage: scripts/lint.sh [FOLDER...]
 #
-# Everything that can be looked at without running the product: the scripts, the layout of the
+# Everything that can be checked without running the product: the scripts, the layout of the
 # sources, the lists that have to agree with each other, and clang-tidy over the C++ files below
 # the FOLDERs (avi, service and tools when none is named).
 set -euo pipefail

@@ -5,7 +5,7 @@
 #
 # Configures, builds and tests the presets of CMakePresets.json that are named: `release` when none
 # is, and with `all` each but `coverage`. Installs the Debian packages that those presets need.
-# Every preset's ctest summary is shown again at the end; the status tells whether all passed.
+# Every preset's ctest summary is shown again at the end; the exit status shows whether all passed.
 set -euo pipefail
 
 root=$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")

@@ -25,7 +25,7 @@ size_t withHeadroom(size_t requestedSize) {
 // One buffer. Its bytes are left uninitialised, so that memory checkers see what was never written.
 class BufferGroup::Buffer {
   public:
-    // The memory may be short: usable() tells.
+    // The memory may be short: usable() shows it.
     Buffer(BufferGroup& group, size_t size)
         : mGroup(group), mSize(size), mBytes(new (std::nothrow) uint8_t[size]), mRangeLength(size) {
         mRecord.handle = this;

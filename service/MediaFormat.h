@@ -24,7 +24,7 @@ struct FormatRect {
     bool operator==(const FormatRect& other) const;
 };
 
-/** One key of a format with its value, whose alternative tells the entry's type. */
+/** One key of a format with its value, whose alternative is the entry's type. */
 struct FormatEntry {
     using Value = std::variant<int32_t, int64_t, float, double, size_t, FormatRect, std::string,
                                std::vector<uint8_t>>;

@@ -45,7 +45,7 @@ class PluginLibrary {
     explicit PluginLibrary(const std::string& path, Unload unload = Unload::kWithObject);
     PluginLibrary(const PluginLibrary&) = delete;
     PluginLibrary& operator=(const PluginLibrary&) = delete;
-    /** Unloads the library, unless told to keep it; no extractor or track of it may be left. */
+    /** Unloads the library, unless it is to be kept; no extractor or track of it may be left. */
     ~PluginLibrary();
 
     /** The definition as the plug-in exports it; its texts live while the library is loaded. */

@@ -14,7 +14,7 @@
 
 namespace avitool {
 
-/** Tells each failure of the track in a line. Throws OutputError. */
+/** Reports each failure of the track in a line. Throws OutputError. */
 void complainAbout(const std::string& path, const TrackReport& track, Console& console);
 
 /** Tracks from `first` to before `end`. */

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The subcommands: gather reports, have them printed, tell every problem. One thread.
+// The subcommands: gather reports, have them printed, report every problem. One thread.
 #pragma once
 
 #include "service/PluginLibrary.h"

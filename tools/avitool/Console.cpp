@@ -26,7 +26,7 @@ void Console::complain(std::string_view problem) {
     mComplained = true;
     const std::string line = "avitool: " + printable(problem) + "\n";
     flush();
-    std::fputs(line.c_str(), stderr);  // a closed standard error leaves nobody to tell
+    std::fputs(line.c_str(), stderr);  // a closed standard error has no reader
 }
 
 void Console::complain(std::string_view file, std::string_view problem) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The tool's two outputs: results on standard output, one line a problem on standard error.
-// Owns the exit status: it is 1 once a problem was told. One thread.
+// Owns the exit status: it is 1 once a problem was reported. One thread.
 #pragma once
 
 #include <string_view>
@@ -8,7 +8,7 @@
 
 namespace avitool {
 
-/** Standard output cannot be written; code() tells why (EPIPE: its reader has gone). */
+/** Standard output cannot be written; code() has the reason (EPIPE: its reader has gone). */
 class OutputError : public std::system_error {
   public:
     explicit OutputError(int error);

@@ -38,7 +38,7 @@ std::unique_ptr<service::Extractor> openExtractor(const service::PluginLibrary& 
 }
 
 // The plug-in's own words for a failed parse: from where it was found to what came of it. The last
-// line tells of the query's failure, whose status is known.
+// line is that of the query's failure, whose status is known.
 std::string innerReason(std::vector<std::string> errors) {
     constexpr size_t kMaxLines = 3;
     if (errors.size() > 1) errors.pop_back();

@@ -33,7 +33,7 @@ constexpr ModeName kModeNames[] = {{"previous", SeekMode::kPreviousSync},
                                    {"closest-sync", SeekMode::kClosestSync},
                                    {"closest", SeekMode::kClosest}};
 
-// In front of an argument that CLI11 would take apart.
+// The prefix of an argument that CLI11 would take apart.
 constexpr char kMark = '\1';
 
 [[noreturn]] void refuse(const std::string& option, const std::string& problem) {

@@ -35,7 +35,7 @@ std::string parseFolder(const std::string& option, const std::string& text);
 /**
  * The arguments for CLI11, which wants the last one first. It splits arguments in brackets at their
  * commas, ends a subcommand at "++", and at "--" when it has a file already. All may belong to
- * names of files, so such arguments travel through it with a mark in front.
+ * names of files, so such arguments travel through it with a mark as prefix.
  */
 std::vector<std::string> markedArguments(int argc, const char* const* argv);
 

@@ -43,11 +43,11 @@ Examples:
 )";
 
 constexpr const char* kExtractFooter = R"(
-Of track 0 of clip.avi become DIR/clip.0.EXT, its stream, and DIR/clip.0.csv, a line a sample:
+Track 0 of clip.avi becomes DIR/clip.0.EXT, its stream, and DIR/clip.0.csv, a line for each sample:
 index, time_us, sync (0 or 1), size, and offset, where the sample's bytes begin in the stream's
-file, behind a header made for it.
+file, after a header made for it.
 
-  .h264 .h265       start codes; the parameter sets of the file's header in front when the first
+  .h264 .h265       start codes; the parameter sets of the file's header come first when the first
                     sample has none
   .m4v .m2v .mjpeg  MPEG-4 part 2, MPEG-1 and MPEG-2, Motion JPEG
   .mp1 .mp2 .mp3    MPEG audio, by its layer
@@ -164,7 +164,7 @@ void addExtract(CLI::App* app, Options* options) {
 }
 
 void defineLine(CLI::App* app, Options* options) {
-    app->require_subcommand(0, 1);  // a missing one is told below, an unknown one as it stands
+    app->require_subcommand(0, 1);  // a missing one is reported below, an unknown one by its name
     app->set_version_flag("--version", "avitool " AVITOOL_VERSION);
     app->footer(kFooter);
     app->failure_message([](const CLI::App*, const CLI::Error& error) {

@@ -16,7 +16,7 @@ namespace avitool::pluginlog {
 
 namespace {
 
-// A damaged file may log an error a sample; the first ones tell what is wrong.
+// A damaged file may log an error a sample; the first ones show what is wrong.
 constexpr size_t kMaxErrors = 16;
 
 struct State {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the plug-in logs: shown on standard error from a chosen priority up, and its error lines
-// remembered, since they tell why it refused a file. The log belongs to the process, hence free
+// remembered, since they show why it refused a file. The log belongs to the process, hence free
 // functions. Lines may come from any thread; the functions are called from one.
 #pragma once
 

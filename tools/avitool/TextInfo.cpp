@@ -103,7 +103,7 @@ class TextInfo : public InfoPrinter {
     explicit TextInfo(Console& console) : mConsole(console) {}
 
     void add(const FileReport& report) override {
-        if (report.error) return;  // told on standard error
+        if (report.error) return;  // reported on standard error
         if (mPrinted) mConsole.write("\n");
         mPrinted = true;
         mConsole.write(fmt::format("File {}\n  {:{}}  {}\n  {:{}}  {}\n", printable(report.path),

@@ -45,7 +45,7 @@ class TextSamples : public SamplePrinter {
         if (track.read.failure) mConsole.write(toText(*track.read.failure) + "\n");
     }
 
-    void finish(const std::optional<std::string>& /*error, told on standard error*/) override {
+    void finish(const std::optional<std::string>& /*error, reported on standard error*/) override {
         mConsole.flush();
     }
 

@@ -9,7 +9,7 @@ _avitool_command() {
     local i
     for ((i = 1; i < ${#words[@]} - 1; i++)); do
         case ${words[i]} in
-            =) ((i++)) ;;  # the value behind it
+            =) ((i++)) ;;  # the value after it
             --set | --log | --plugin) [[ ${words[i + 1]} == = ]] || ((i++)) ;;
             -*) ;;
             *) echo "${words[i]}" && return ;;
@@ -45,7 +45,7 @@ _avitool_files() {
     )
 }
 
-# A property, or its value behind the equals sign.
+# A property, or its value after the equals sign.
 _avitool_property() {
     local properties='vendor.ruvo.avi.extract.log= vendor.ruvo.avi.verbose.log='
     properties+=' vendor.ruvo.avi.disable.audio='

@@ -68,7 +68,7 @@ std::optional<AdtsHeaders> AdtsHeaders::fromEsds(const std::vector<uint8_t>& esd
     if (!config || config->size < 2) return std::nullopt;
     const uint8_t* data = config->data;
     uint8_t type = data[0] >> 3;
-    // Extensions of LC, whose core is what ADTS tells of; decoders find them in the frames.
+    // Extensions of LC, whose core is what ADTS describes; decoders find them in the frames.
     if (type == kSpectralBandReplication || type == kParametricStereo) type = kLowComplexity;
     if (type == 0 || type - 1 > kLastProfile) return std::nullopt;
     AdtsHeaders headers;

@@ -12,10 +12,10 @@ namespace avitool {
 class AdtsHeaders {
   public:
     /** Headers for the stream whose `esds` this is; none when its configuration is missing or is
-     * nothing that ADTS can tell. */
+     * nothing that ADTS can express. */
     static std::optional<AdtsHeaders> fromEsds(const std::vector<uint8_t>& esds);
 
-    /** The seven bytes in front of a frame; none for a frame longer than they can tell. */
+    /** The seven bytes before a frame; none for a frame longer than they can express. */
     std::optional<std::vector<uint8_t>> forFrame(size_t frameSize) const;
 
   private:

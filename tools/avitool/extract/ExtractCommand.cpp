@@ -53,7 +53,7 @@ void refuseToOverwrite(const std::vector<Plan>& plans) {
     std::string existing;
     for (const Plan& plan : plans) {
         for (const fs::path& path : {plan.stream, plan.list}) {
-            std::error_code ignored;  // a folder that cannot be searched is told when it is written
+            std::error_code ignored;  // reported when the folder is written
             if (!fs::exists(fs::symlink_status(path, ignored))) continue;
             existing += (existing.empty() ? "" : ", ") + path.string();
         }

@@ -12,7 +12,7 @@ namespace avitool {
 enum class NalCodec { kAvc, kHevc };
 
 /**
- * The parameter sets of a configuration record (ISO/IEC 14496-15: avcC, hvcC), each behind a start
+ * The parameter sets of a configuration record (ISO/IEC 14496-15: avcC, hvcC), each after a start
  * code of four bytes. Bytes that have start codes already stay as they are, without zeros at the
  * end. Of a record that is cut, the sets that are whole.
  */

@@ -108,7 +108,7 @@ std::unique_ptr<StreamForm> makeAacForm(const FormatEntries& format) {
     return headers ? std::make_unique<AdtsForm>(*headers) : nullptr;
 }
 
-// The size of a block as the decoders of ADPCM are told it: u32, little-endian. 0 if they are not.
+// The size of a block as the decoders of ADPCM get it: u32, little-endian. 0 if they get none.
 uint32_t blockSizeIn(const FormatEntries& format) {
     const auto* csd = entryOf<Bytes>(format, AMEDIAFORMAT_KEY_CSD_0);
     if (csd == nullptr || csd->size() != sizeof(uint32_t)) return 0;

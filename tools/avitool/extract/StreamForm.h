@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // How the samples of a track become a file that players open: the file's extension, and what is put
-// in front of, between and behind the samples. Immutable; any thread.
+// before, between and after the samples. Immutable; any thread.
 #pragma once
 
 #include <cstddef>
@@ -28,7 +28,7 @@ class StreamForm {
 
     /** What the file begins with. `sample` is the first one; null and 0 when there is none. */
     virtual Bytes fileHeader(const uint8_t* /*sample*/, size_t /*size*/) const { return {}; }
-    /** What stands in front of a sample of `size` bytes; none when such a sample cannot be in the
+    /** What comes before a sample of `size` bytes; none when such a sample cannot be in the
      * file. */
     virtual std::optional<Bytes> sampleHeader(size_t /*size*/) const { return Bytes(); }
     /** What replaces the first bytes of fileHeader once the size of all samples is known. */

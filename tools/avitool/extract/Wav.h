@@ -36,9 +36,9 @@ class WavHeader {
     uint16_t mBlockSize = 0;
     uint16_t mBits = 0;
     uint64_t mFramesPerBlock = 1;    // a frame: a value for each channel
-    uint32_t mBlockHeaderBytes = 0;  // of ADPCM: in front of the packed values
+    uint32_t mBlockHeaderBytes = 0;  // of ADPCM: before the packed values
     uint32_t mHeaderFrames = 0;      // of ADPCM: frames in that
-    std::vector<uint8_t> mExtra;     // behind the fields that all codecs have
+    std::vector<uint8_t> mExtra;     // after the fields that all codecs have
 };
 
 }  // namespace avitool
