@@ -1,17 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // What the tests of OpenDML indexes and of scanning share: a file of one video stream whose indexes
-// are written field by field once its layout is known, and a large source of which only some ranges
-// hold anything. One thread.
+// are written field by field once its layout is known. One thread.
 
 #pragma once
 
-#include <map>
 #include <string>
 #include <vector>
 
-#include "service/DataSource.h"
 #include "tests/behaviour/opening/FurtherRiffs.h"
+#include "tests/support/SparseSource.h"
 
 namespace avitest {
 
@@ -50,23 +48,6 @@ struct IndexedFile {
   private:
     std::vector<size_t> mFrames;
     Bytes mFile;
-};
-
-// A file of any length whose bytes are 0 but for some pieces.
-class SparseSource : public android::service::DataSource {
-  public:
-    explicit SparseSource(uint64_t size) : mSize(size) {}
-    // Pieces do not overlap.
-    void put(uint64_t offset, Bytes piece) { mPieces[offset] = std::move(piece); }
-    // Writes the same file to disk, with holes for what is 0.
-    void writeTo(const std::string& path) const;
-
-    ssize_t readAt(off64_t offset, void* data, size_t size) override;
-    android::status_t getSize(off64_t* size) override;
-
-  private:
-    uint64_t mSize;
-    std::map<uint64_t, Bytes> mPieces;
 };
 
 class IndexesFixture : public OpeningFixture {
