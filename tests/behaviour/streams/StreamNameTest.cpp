@@ -118,27 +118,21 @@ TEST_F(StreamName, ThatCannotBeReadIsNotLogged) {
     EXPECT_EQ(0u, countOf("strn '"));
 }
 
-// The lists around it agree with its size, so that only the name itself is out of bounds.
-TEST_F(StreamName, LongerThanAnyNameIsNotRead) {
-    constexpr uint32_t kSize = 0x0FFFFFFF;
+TEST_F(StreamName, LongestNameIsRead) {
     setName(bytesOf("Stream fr-CA"));
-    mAvi.segment().edit = [](Chunk& riff) {
-        Chunk& hdrl = riff.arrange({"movi", "idx1", "hdrl"}).child("hdrl");
-        Chunk& strl = hdrl.child("strl");
-        const auto excess = static_cast<uint32_t>(kSize + 1 - strl.child("strn").payload.size());
-        strl.child("strn").declare(kSize);
-        strl.declare(static_cast<uint32_t>(strl.toBytes().size()) - 8 + excess);
-        hdrl.declare(static_cast<uint32_t>(hdrl.toBytes().size()) - 8 + excess);
-    };
-    auto& source = mSources.emplace_back(mMemory.emplace_back(mAvi.build()));
-    openSource(source);
-    countTracks();
-    EXPECT_EQ(0u, countOf("seems to be corrupted"));
-    for (const auto& call : source.calls())
-        EXPECT_LT(call.size, 0x1000u);
-    mLog.clear();
-    openFile(fileOf({mjpegStream()}).build());  // which ends the former one and prints its tracks
-    EXPECT_THAT(log(), Contains(TextWith("language: string(und)")));
+    ASSERT_EQ(1u, openWithLongChunk(mAvi, "strn", 0x0FFFFFFE));
+    EXPECT_EQ("fre", language());
+    EXPECT_EQ(streamBytes(mAvi, 0), trackBytes(0));
+}
+
+TEST_F(StreamName, LongerThanAnyNameIsNotRead) {
+    setName(bytesOf("Stream fr-CA"));
+    for (const uint32_t size : {0x0FFFFFFFu, 0x10000000u}) {
+        SCOPED_TRACE(format("0x%08x", size));
+        ASSERT_EQ(1u, openWithLongChunk(mAvi, "strn", size));
+        EXPECT_EQ("und", language());
+        EXPECT_EQ(streamBytes(mAvi, 0), trackBytes(0));
+    }
 }
 
 }  // namespace avitest

@@ -17,6 +17,11 @@ bool isAudio(const Stream& stream) {
     return std::holds_alternative<WaveFormat>(stream.format);
 }
 
+// Lets a list declare more bytes than are there.
+void stretch(Chunk& list, uint32_t excess) {
+    list.declare(static_cast<uint32_t>(list.toBytes().size()) - 8 + excess);
+}
+
 Bytes chunkData(const Stream& stream, size_t number, size_t chunk) {
     Bytes data = patternBytes(kChunkBytes, static_cast<uint32_t>(16 * number + chunk));
     if (isAudio(stream)) {
@@ -130,6 +135,27 @@ size_t StreamsFixture::openUnreadable(AviFile& avi, const std::string& mark, off
     const auto data = static_cast<off64_t>(place.dataOffset);
     const auto end = data + static_cast<off64_t>(place.dataSize);
     return openFaulty(std::move(file), {Fault::shortRead(1).onOffsets(data + begin, end)});
+}
+
+size_t StreamsFixture::openWithLongChunk(AviFile& avi, ChunkId id, uint32_t size) {
+    uint32_t hole = 0;
+    avi.segment().edit = [&hole, id, size](Chunk& riff) {
+        Chunk& hdrl = riff.child("hdrl");
+        Chunk& strl = hdrl.child("strl");
+        Chunk& chunk = strl.child(id).marked("long").declare(size);
+        hole = size + size % 2 - static_cast<uint32_t>(chunk.payload.size());
+        for (Chunk* list : {&strl, &hdrl, &riff})
+            stretch(*list, hole);
+    };
+    const Bytes file = avi.build();
+    const ChunkPlace place = avi.place("long");
+    const uint64_t at = place.dataOffset + place.dataSize;
+    const auto cut = file.begin() + static_cast<ptrdiff_t>(at);
+    SparseSource& source = mSparse.emplace_back(file.size() + hole);
+    source.put(0, Bytes(file.begin(), cut));
+    source.put(at + hole, Bytes(cut, file.end()));
+    openSource(source);
+    return HasFatalFailure() ? 0 : countTracks();
 }
 
 bool StreamsFixture::becomesTrack(Stream stream) {

@@ -7,11 +7,13 @@
 
 #pragma once
 
+#include <deque>
 #include <string>
 #include <vector>
 
 #include "tests/support/AviBuilder.h"
 #include "tests/support/LoggedFixture.h"
+#include "tests/support/SparseSource.h"
 
 namespace avitest {
 
@@ -57,7 +59,13 @@ Bytes streamBytes(const AviFile& avi, size_t stream);
 // Changes a stream list of the file.
 void editStream(AviFile& avi, size_t stream, std::function<void(Chunk& strl)> edit);
 
-class StreamsFixture : public LoggedFixture {
+// Exists as a base in front of LoggedFixture, so that it outlives the extractor.
+class StreamsState {
+  protected:
+    std::deque<SparseSource> mSparse;
+};
+
+class StreamsFixture : protected StreamsState, public LoggedFixture {
   protected:
     // Opens a file and parses it; answers the number of tracks.
     size_t open(Bytes file);
@@ -68,6 +76,9 @@ class StreamsFixture : public LoggedFixture {
     size_t openFaulty(Bytes file, const std::vector<android::service::Fault>& faults);
     // A read that asks for any byte at or behind `begin` of a marked chunk's payload fails.
     size_t openUnreadable(AviFile& avi, const std::string& mark, off64_t begin);
+    // Opens the file with a chunk of its first stream made `size` bytes long: zeros follow the
+    // payload, which is of even length. The lists around it agree, so that the file is whole.
+    size_t openWithLongChunk(AviFile& avi, ChunkId id, uint32_t size);
 
     // Opens a file of one stream besides a healthy video track, which comes second. Answers whether
     // the stream became a track, and expects it to be reported when it did not.

@@ -241,27 +241,25 @@ TEST_F(VideoPropertiesChunk, ThatCannotBeReadIsOnlyAnnounced) {
     EXPECT_EQ(0u, countOf("parseVPRP(): end..."));
 }
 
-// The lists around it agree with its size, so that only the chunk itself is out of bounds.
-TEST_F(VideoPropertiesChunk, LongerThanAnyIsNotRead) {
-    constexpr uint32_t kSize = 0x0FFFFFFF;
+TEST_F(VideoPropertiesChunk, LongestIsRead) {
     add(mProperties.toBytes());
-    mAvi.segment().edit = [](Chunk& riff) {
-        Chunk& hdrl = riff.arrange({"movi", "idx1", "hdrl"}).child("hdrl");
-        Chunk& strl = hdrl.child("strl");
-        const auto excess = static_cast<uint32_t>(kSize + 1 - strl.child("vprp").payload.size());
-        strl.child("vprp").declare(kSize);
-        strl.declare(static_cast<uint32_t>(strl.toBytes().size()) - 8 + excess);
-        hdrl.declare(static_cast<uint32_t>(hdrl.toBytes().size()) - 8 + excess);
-    };
+    ASSERT_EQ(1u, openWithLongChunk(mAvi, "vprp", 0x0FFFFFFE));
+    expectRatio(9, 16);
+    EXPECT_EQ(streamBytes(mAvi, 0), trackBytes(0));
+}
+
+TEST_F(VideoPropertiesChunk, LongerThanAnyIsNotRead) {
     setProperty(kExtractLogProperty, "1");
-    auto& source = mSources.emplace_back(mMemory.emplace_back(mAvi.build()));
-    openSource(source);
-    countTracks();
-    EXPECT_THAT(log(), Contains(TextWith("size: 268435456) ====")));
-    EXPECT_EQ(0u, countOf("parseVPRP(): end..."));
-    EXPECT_EQ(0u, countOf("seems to be corrupted"));
-    for (const auto& call : source.calls())
-        EXPECT_LT(call.size, 0x1000u);
+    add(mProperties.toBytes());
+    for (const uint32_t size : {0x0FFFFFFFu, 0x10000000u}) {
+        SCOPED_TRACE(format("0x%08x", size));
+        mLog.clear();
+        ASSERT_EQ(1u, openWithLongChunk(mAvi, "vprp", size));
+        expectNoRatio();
+        EXPECT_THAT(log(), Contains(TextWith("size: 268435456) ====")));
+        EXPECT_EQ(0u, countOf("parseVPRP(): end..."));
+        EXPECT_EQ(streamBytes(mAvi, 0), trackBytes(0));
+    }
 }
 
 }  // namespace avitest
