@@ -90,6 +90,24 @@ TEST_F(AudioFormat, ExtraDataMayFillTheChunk) {
     EXPECT_EQ((Bytes{4, 0, 0xA1, 0xA2, 0xA3, 0xA4}), extra());
 }
 
+TEST_F(AudioFormat, ExtraSizeHas16Bits) {
+    for (const uint16_t size : {0x00FE, 0x00FF, 0x0100, 0x1234, 0x7FFE, 0x8000, 0xFFFC}) {
+        SCOPED_TRACE(format("0x%04x", size));
+        const Bytes rest = ByteWriter().u16(size).bytes(patternBytes(size)).take();
+        ASSERT_EQ(2u, openWithRest(rest));
+        EXPECT_EQ(rest, extra());
+    }
+}
+
+// That line is of video alone.
+TEST_F(AudioFormat, ExtraDataIsNotAnnounced) {
+    for (const uint16_t size : {24, 25, 60, 1000}) {
+        SCOPED_TRACE(size);
+        ASSERT_EQ(2u, openWithRest(ByteWriter().u16(size).bytes(patternBytes(size)).take()));
+        EXPECT_EQ(0u, countOf("extra config data"));
+    }
+}
+
 TEST_F(AudioFormat, ExtraSizeZeroGivesEmptyExtraData) {
     ASSERT_EQ(2u, openWithRest({0, 0, 0xA1, 0xA2}));
     EXPECT_EQ((Bytes{0, 0}), extra());
