@@ -188,6 +188,14 @@ TEST_F(HevcConfiguration, SampleThatBeginsWithAVersionIsKept) {
     EXPECT_EQ(record(), front + rewritten);
 }
 
+TEST_F(HevcConfiguration, OnlyVersion1IsOne) {
+    for (const uint8_t first : {2, 3, 0x11, 0x81, 0xFF}) {
+        SCOPED_TRACE(int{first});
+        openFirst(Bytes{first, 0xFF, 0xFE} + mSets + unit4(mPicture));
+        EXPECT_EQ(record(), kRecordHeader + mArrays + Bytes(3, 0));
+    }
+}
+
 TEST_F(HevcConfiguration, SetsOfTheStreamFormatStay) {
     const Bytes extra = unit4(nal(0x40, 10)) + unit4(nal(0x42, 10));
     std::get<BitmapInfo>(mStream.format).extra = extra;

@@ -232,6 +232,16 @@ TEST_F(VideoConfiguration, HevcStartCodeMayComeLate) {
     EXPECT_EQ(extra, buffer(AMEDIAFORMAT_KEY_CSD_HEVC));
 }
 
+TEST_F(VideoConfiguration, HevcFirstByteDoesNotDecide) {
+    for (const uint8_t first : {0, 1, 2, 0x40, 0xFF}) {
+        SCOPED_TRACE(int{first});
+        const Bytes extra = {first, 9, 0, 0, 0, 1, 0x40, 1};
+        openVideo("hvc1", extra);
+        EXPECT_EQ(extra, buffer(AMEDIAFORMAT_KEY_CSD_HEVC));
+        expectCodecDataKept();
+    }
+}
+
 TEST_F(VideoConfiguration, HevcWithoutStartCodeIsNotPublished) {
     openVideo("hev1", {1, 1, 0x60, 0, 0, 0, 0x90, 0});
     EXPECT_EQ(std::nullopt, buffer(AMEDIAFORMAT_KEY_CSD_HEVC));
