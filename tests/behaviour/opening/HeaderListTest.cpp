@@ -202,9 +202,107 @@ TEST_F(HeaderListAtTheEnd, EightBytesOfSizeZeroEndTheWalkQuietly) {
     EXPECT_NE(0u, mLog.count("finishParse("));  // the walk of the RIFF went on to its end
 }
 
+// What zeros cut off is missing as if the list had ended there.
+TEST_F(HeaderListAtTheEnd, ZerosInPlaceOfAnAnnouncedStreamAreMalformed) {
+    AviFile avi = twoStreamFile();
+    avi.segment().edit = [](Chunk& riff) { riff.arrange({"movi", "idx1", "hdrl"}); };
+    Bytes file = avi.build();
+    const uint64_t cut = avi.place("strl1").headerOffset;
+    file.resize(cut);
+    file.resize(cut + 8);
+    openFile(file);
+    expectMalformed();
+    EXPECT_THAT(log(), Contains(Text(corrupted(cut, endOf(avi.place("hdrl")), true, 1, 2))));
+    EXPECT_EQ(0u, mLog.count("@line2887"));
+}
+
+TEST_F(HeaderListAtTheEnd, ZerosInPlaceOfTheMainHeaderAreMalformed) {
+    AviFile avi = videoFile();
+    avi.segment().edit = [](Chunk& riff) { riff.arrange({"movi", "idx1", "hdrl"}); };
+    Bytes file = avi.build();
+    const uint64_t cut = avi.place("avih").headerOffset;
+    file.resize(cut);
+    file.resize(cut + 8);
+    openFile(file);
+    expectMalformed();
+    EXPECT_THAT(log(), Contains(Text(corrupted(cut, endOf(avi.place("hdrl")), false, 0, 0))));
+}
+
+TEST_F(HeaderListAtTheEnd, ZerosBehindTheAnnouncedStreamsDoNoHarm) {
+    AviFile avi = twoStreamFile();
+    avi.header.streams = 1;
+    avi.segment().edit = [](Chunk& riff) { riff.arrange({"movi", "idx1", "hdrl"}); };
+    Bytes file = avi.build();
+    const uint64_t cut = avi.place("strl1").headerOffset;
+    file.resize(cut);
+    file.resize(cut + 8);
+    openFile(file);
+    EXPECT_EQ(1u, countTracks());
+    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));  // by a scan: the index came before the stream
+}
+
 TEST_F(HeaderListAtTheEnd, EightBytesWithASizeAreAnIoError) {
     openWithLastHeader(2);
     EXPECT_THAT(log(), Contains(error("parseHDRL(): error -3EC @line2887")));
+}
+
+// A file with a second header list, of one video stream, behind the first.
+class SecondHeaderList : public HeaderList {
+  protected:
+    // `edit` changes the second one.
+    static AviFile twoLists(AviFile avi, const std::function<void(Chunk& hdrl)>& edit = nullptr) {
+        avi.segment().edit = [edit](Chunk& riff) {
+            Chunk second = videoLists();
+            if (edit) edit(second);
+            riff.insert(1, second);
+        };
+        return avi;
+    }
+
+  private:
+    // The header list of videoFile().
+    static Chunk videoLists() {
+        Chunk result;
+        AviFile other = videoFile();
+        other.segment().edit = [&result](Chunk& riff) { result = riff.child("hdrl"); };
+        other.build();
+        result.mark.clear();
+        for (Chunk& chunk : result.children)
+            chunk.mark.clear();
+        return result;
+    }
+};
+
+TEST_F(SecondHeaderList, AddsItsStreams) {
+    openFile(twoLists(twoStreamFile()).build());
+    EXPECT_EQ(3u, countTracks());
+}
+
+// The chunks are those of the first list's streams.
+TEST_F(SecondHeaderList, CountsItsStreamsFromZero) {
+    setProperty(kExtractLogProperty, "1");
+    AviFile avi = twoLists(videoFile());
+    openFile(avi.build());
+    ASSERT_EQ(2u, countTracks());
+    EXPECT_THAT(log(), Contains(verbose("Dump Track[0]:")).Times(2));
+    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ("video/x-unknown", trackFormat(1).getString(AMEDIAFORMAT_KEY_MIME));
+}
+
+TEST_F(SecondHeaderList, NeedsAMainHeaderOfItsOwn) {
+    AviFile avi =
+        twoLists(videoFile(), [](Chunk& hdrl) { hdrl.children.erase(hdrl.children.begin()); });
+    openFile(avi.build());
+    expectMalformed();
+    EXPECT_EQ(1u, mLog.count("parseHDRL(): avih MUST before strl! Malformed file!"));
+}
+
+TEST_F(SecondHeaderList, MustHoldAsManyStreamsAsItsOwnMainHeaderSays) {
+    AviFile avi =
+        twoLists(twoStreamFile(), [](Chunk& hdrl) { hdrl.child("avih").payload[24] = 2; });
+    openFile(avi.build());
+    expectMalformed();
+    EXPECT_EQ(1u, mLog.count(",avih true, actual streams 1, expected streams 2"));
 }
 
 }  // namespace

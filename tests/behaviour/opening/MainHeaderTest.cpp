@@ -71,6 +71,53 @@ TEST_F(AvihChunk, WidthAndHeightAreTheDisplaySize) {
     EXPECT_EQ(360, trackFormat(0).getInt32(AMEDIAFORMAT_KEY_DISPLAY_HEIGHT));
 }
 
+// A main header of this size that announces as many streams.
+Chunk otherHeader(uint32_t width, uint32_t height, uint32_t streams) {
+    MainHeader header;
+    header.width = width;
+    header.height = height;
+    header.streams = streams;
+    return Chunk("avih", header.toBytes());
+}
+
+TEST_F(AvihChunk, SecondOneReplacesTheFirst) {
+    AviFile avi = videoFile();
+    avi.header.width = 640;
+    avi.header.height = 360;
+    avi.header.streams = 9;
+    avi.editHeaders = [](Chunk& hdrl) { hdrl.insert(1, otherHeader(720, 576, 1)); };
+    openFile(avi.build());
+    EXPECT_EQ(1u, countTracks());
+    EXPECT_EQ(720, trackFormat(0).getInt32(AMEDIAFORMAT_KEY_DISPLAY_WIDTH));
+    EXPECT_EQ(576, trackFormat(0).getInt32(AMEDIAFORMAT_KEY_DISPLAY_HEIGHT));
+}
+
+TEST_F(AvihChunk, SecondOneBehindAStreamLeavesItsSize) {
+    AviFile avi = videoFile();
+    avi.header.width = 640;
+    avi.header.height = 360;
+    avi.editHeaders = [](Chunk& hdrl) { hdrl.add(otherHeader(720, 576, 1)); };
+    openFile(avi.build());
+    EXPECT_EQ(1u, countTracks());
+    EXPECT_EQ(640, trackFormat(0).getInt32(AMEDIAFORMAT_KEY_DISPLAY_WIDTH));
+    EXPECT_EQ(360, trackFormat(0).getInt32(AMEDIAFORMAT_KEY_DISPLAY_HEIGHT));
+}
+
+TEST_F(AvihChunk, LastOneAnnouncesTheStreams) {
+    AviFile avi = videoFile();
+    avi.editHeaders = [](Chunk& hdrl) { hdrl.add(otherHeader(320, 240, 2)); };
+    openFile(avi.build());
+    EXPECT_EQ(0u, countTracks());
+    EXPECT_EQ(1u, mLog.count(",avih true, actual streams 1, expected streams 2"));
+}
+
+TEST_F(AvihChunk, SecondOneThatIsShortIsMalformed) {
+    AviFile avi = videoFile();
+    avi.editHeaders = [](Chunk& hdrl) { hdrl.add(Chunk("avih", Bytes(54))); };
+    openFile(avi.build());
+    expectMalformed();
+}
+
 // Every field with a value of its own.
 AviFile withDistinctFields() {
     AviFile avi = videoFile();
