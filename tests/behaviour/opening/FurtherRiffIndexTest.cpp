@@ -100,6 +100,17 @@ TEST_F(FurtherRiffIndex, OneInFrontOfMoviCountsAsAnIndex) {
     EXPECT_EQ(0u, mLog.count("This riff doesn't have index."));
 }
 
+TEST_F(FurtherRiffIndex, OneBehindMoviIsReadAlthoughAnotherStandsInFront) {
+    AviFile avi = twoSegmentFile();
+    avi.segment(1).edit = [](Chunk& riff) { riff.insert(0, Chunk("idx1", Bytes(16))); };
+    setProperty(kExtractLogProperty, "1");
+    openFile(avi.build());
+    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(2u, mLog.count("parseMoreRIFF(): found idx2"));
+    EXPECT_EQ(2u, mLog.count("parseIDX1(): end (2 samples added)..."));  // one of each RIFF
+    EXPECT_EQ(0u, mLog.count("This riff doesn't have index."));
+}
+
 TEST_F(FurtherRiffIndex, EachOneBehindMoviIsRead) {
     AviFile avi = twoSegmentFile();
     avi.segment(1).index.copies = 2;

@@ -90,6 +90,41 @@ TEST_F(FurtherRiffWalk, SizeWithinTheFileEndsTheWalkAtThatPosition) {
     EXPECT_EQ(0u, mLog.count("parseMoreRIFF(): file seems to be chunked"));
 }
 
+TEST_F(FurtherRiffWalk, ChunkAtThePositionOfTheSizeIsNotWalked) {
+    AviFile avi = twoSegmentFile();
+    avi.build();
+    avi.segment(1).riffSize = static_cast<uint32_t>(avi.place("idx1.1").headerOffset);
+    setProperty(kExtractLogProperty, "1");
+    openFile(avi.build());
+    expectBothRiffs();
+    EXPECT_EQ(0u, mLog.count("parseMoreRIFF(): found idx"));
+    EXPECT_EQ(1u, mLog.count("This riff doesn't have index."));
+}
+
+// Eight bytes less than the file: the size that the header would have in front of the whole file.
+TEST_F(FurtherRiffWalk, SizeUpToTheFilesEndIsNotChunked) {
+    AviFile avi = twoSegmentFile();
+    avi.segment(1).afterIndex = {Chunk("STRY")};  // in the last eight bytes, which are not walked
+    const auto size = static_cast<uint32_t>(avi.build().size() - 8);
+    avi.segment(1).riffSize = size;
+    openVerbosely(avi.build());
+    expectBothRiffs();
+    EXPECT_EQ(0u, mLog.count("parseMoreRIFF(): file seems to be chunked"));
+    EXPECT_EQ(0u, mLog.count("unknown chunk"));
+    EXPECT_THAT(log(), Contains(verbose(format("parseMoreRIFF() end @%X(%u)", size, size))));
+}
+
+TEST_F(FurtherRiffWalk, SizeOneBeyondTheFilesEndIsChunked) {
+    AviFile avi = twoSegmentFile();
+    const size_t size = avi.build().size();
+    avi.segment(1).riffSize = static_cast<uint32_t>(size - 7);
+    openFile(avi.build());
+    expectBothRiffs();
+    EXPECT_THAT(log(), Contains(warning(format("parseMoreRIFF(): file seems to be chunked (%zu + 8)"
+                                               " > %zu",
+                                               size - 7, size))));
+}
+
 TEST_F(FurtherRiffWalk, SizeAboveTheLimitIsTriedWithAWarning) {
     openFile(twoSegmentFile(0x40000001).build());
     expectBothRiffs();
@@ -179,6 +214,29 @@ TEST_F(FurtherRiffWalk, SixtyUnknownChunksInFrontOfMoviLiftTheLimit) {
     EXPECT_EQ(0u, mLog.count(kStop));
 }
 
+TEST_F(FurtherRiffWalk, FiftyUnknownChunksInFrontOfMoviAndOneBehindEndTheWalk) {
+    AviFile avi = twoSegmentFile();
+    avi.segment(1).beforeMovi = strays(50);
+    avi.segment(1).afterMovi = strays(1);
+    setProperty(kExtractLogProperty, "1");
+    openFile(avi.build());
+    expectBothRiffs();
+    EXPECT_EQ(1u, mLog.count(kStop));
+    EXPECT_EQ(0u, mLog.count("parseMoreRIFF(): found idx"));
+    EXPECT_EQ(1u, mLog.count("This riff doesn't have index."));
+}
+
+TEST_F(FurtherRiffWalk, FiftyOneUnknownChunksInFrontOfMoviLiftTheLimit) {
+    AviFile avi = twoSegmentFile();
+    avi.segment(1).beforeMovi = strays(51);
+    avi.segment(1).afterMovi = strays(60);
+    setProperty(kExtractLogProperty, "1");
+    openFile(avi.build());
+    expectBothRiffs();
+    EXPECT_EQ(0u, mLog.count(kStop));
+    EXPECT_EQ(1u, mLog.count("parseMoreRIFF(): found idx"));
+}
+
 TEST_F(FurtherRiffWalk, UnknownChunksOfTheFirstRiffDoNotCount) {
     AviFile avi = twoSegmentFile();
     avi.segment(0).afterMovi = strays(40);
@@ -193,6 +251,27 @@ TEST_F(FurtherRiffWalk, EightBytesOfSizeZeroEndItQuietly) {
     openFile(avi.build());
     expectBothRiffs();
     EXPECT_EQ(0u, mLog.count("parseMoreRIFF(): error"));
+}
+
+TEST_F(FurtherRiffWalk, ZerosAtTheEndOfOneWithoutIndexDoNotKeepItFromBeingScanned) {
+    AviFile avi = twoSegmentFile();
+    avi.segment(1).index.copies = 0;
+    avi.trailing = Bytes(8);
+    openFile(avi.build());
+    expectBothRiffs();
+    EXPECT_EQ(0u, mLog.count("parseMoreRIFF(): error"));
+    EXPECT_EQ(1u, mLog.count("This riff doesn't have index."));
+}
+
+TEST_F(FurtherRiffWalk, ZerosAtTheEndOfAnOpenMoviListEndItsScanQuietly) {
+    AviFile avi = twoSegmentFile();
+    avi.segment(1).index.copies = 0;
+    avi.segment(1).edit = [](Chunk& riff) { riff.child("movi").declare(kBeyondTheFile - 100); };
+    avi.trailing = Bytes(8);
+    openFile(avi.build());
+    expectBothRiffs();
+    EXPECT_EQ(0u, mLog.count("Failed to read header"));
+    EXPECT_EQ(0u, mLog.count("incomplete"));
 }
 
 TEST_F(FurtherRiffWalk, AnyOtherTailIsAnErrorThatIsIgnored) {
