@@ -205,6 +205,17 @@ TEST_F(FurtherRiffWalk, TheFiftyFirstUnknownChunkBehindMoviEndsTheWalk) {
     EXPECT_EQ(0u, mLog.count("parseMoreRIFF(): found idx"));
 }
 
+TEST_F(FurtherRiffWalk, EndsAtTheUnknownChunkThatIsTooMany) {
+    AviFile avi = twoSegmentFile();
+    avi.segment(1).afterMovi = strays(60);
+    avi.segment(1).afterMovi[50].marked("last");
+    setProperty(kExtractLogProperty, "1");
+    openFile(avi.build());
+    expectBothRiffs();
+    const auto last = number(avi.place("last").headerOffset);
+    EXPECT_THAT(log(), Contains(verbose(format("parseMoreRIFF() end @%llX(%llu)", last, last))));
+}
+
 TEST_F(FurtherRiffWalk, SixtyUnknownChunksInFrontOfMoviLiftTheLimit) {
     AviFile avi = twoSegmentFile();
     avi.segment(1).beforeMovi = strays(60);

@@ -57,6 +57,16 @@ TEST_F(UnknownChunks, TheFiftyFirstBehindMoviEndsTheWalk) {
     EXPECT_THAT(log(), Contains(warning(kStop)).Times(1));
 }
 
+TEST_F(UnknownChunks, WalkEndsAtTheOneThatIsTooMany) {
+    AviFile avi = videoFile();
+    avi.segment().afterMovi = strays(60);
+    avi.segment().afterMovi[50].marked("last");
+    EXPECT_FALSE(reachesTheIndex(avi));
+    avi.build();
+    const auto last = static_cast<unsigned long long>(avi.place("last").headerOffset);
+    EXPECT_THAT(log(), Contains(verbose(format("parseFirstRIFF() end @%llX(%llu)", last, last))));
+}
+
 TEST_F(UnknownChunks, TheOneThatEndsTheWalkIsTheLastOneShown) {
     AviFile avi = videoFile();
     avi.segment().afterMovi = strays(60);
