@@ -135,6 +135,23 @@ TEST_F(MoviScanEnd, LargestSizesAreIncomplete) {
     }
 }
 
+// The end is told in 64 bits, made even, although the size is the largest.
+TEST_F(MoviScanEnd, EndOfAnIncompleteChunkDoesNotWrap) {
+    for (const uint32_t size : {0xFFFFFFFFU, 0xFFFFFFFEU}) {
+        for (const ChunkId id : {ChunkId("00dc"), ChunkId("LIST")}) {
+            SCOPED_TRACE(format("%s 0x%08x", id.text().c_str(), size));
+            mLog.clear();
+            AviFile avi = unindexedFile(2);
+            avi.addLooseChunk(Chunk(id, bytesOf("rec ")).declare(size).marked("cut"));
+            openFile(avi.build());
+            EXPECT_EQ(2u, sampleBytes(0).size());
+            const uint64_t from = avi.place("cut").headerOffset;
+            const uint64_t padded = uint64_t{size} + size % 2;
+            EXPECT_THAT(log(), Contains(Text(incomplete(from, from + 8 + padded))));
+        }
+    }
+}
+
 TEST_F(MoviScanEnd, CutRecordListIsLeftOutWhole) {
     AviFile avi = unindexedFile(2);
     avi.beginGroup();
