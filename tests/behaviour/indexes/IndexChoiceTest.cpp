@@ -95,6 +95,51 @@ TEST_F(IndexChoice, ScanSuppliesWhatACutIdx1TookAway) {
     EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
 }
 
+// The mark says that the stream list held a good index, whatever becomes of the table.
+TEST_F(IndexChoice, MarkOfAnIndexStaysWhenItsTableGoes) {
+    for (const size_t cut : {0u, 8u}) {
+        SCOPED_TRACE(cut);
+        mLog.clear();
+        AviFile avi = halfIndexedFile();
+        avi.segment().index.copies = 1;
+        setProperty(kExtractLogProperty, "1");
+        const Bytes file = avi.build();
+        openFile(ByteWriter().bytes(file).cut(file.size() - cut).take());
+        ASSERT_EQ(2u, countTracks());
+        EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+        EXPECT_EQ(cut > 0, scanned());
+        EXPECT_EQ(1u, mLog.count("    mINDXValid              1"));
+        EXPECT_EQ(1u, mLog.count("    mINDXValid              0"));
+    }
+}
+
+// Video with an OpenDML index and audio without one; idx1 replaces both tables in the first RIFF,
+// and a second RIFF has no index.
+TEST_F(IndexChoice, ScanOfAFurtherRiffAddsToATableOfIdx1) {
+    AviFile avi = twoStreamFile();
+    avi.stream(0).openDml = OpenDml::kStandard;
+    avi.addSegment().riffSize = kBeyondTheFile;
+    avi.addChunk(0, patternBytes(32, 7));
+    avi.addChunk(1, patternBytes(36, 8));
+    openFile(avi.build());
+    ASSERT_EQ(2u, countTracks());
+    EXPECT_EQ(1u, mLog.count("This riff doesn't have index."));
+    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+}
+
+TEST_F(IndexChoice, ScanSuppliesATableThatASecondIndexEmptied) {
+    AviFile avi = twoStreamFile();
+    avi.segment().index.copies = 0;
+    avi.stream(0).openDml = OpenDml::kStandard;
+    avi.stream(0).edit = [](Chunk& strl) { strl.add(Chunk("indx", Bytes(20))); };
+    openFile(avi.build());
+    ASSERT_EQ(2u, countTracks());
+    EXPECT_TRUE(scanned());
+    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+}
+
 TEST_F(IndexChoice, SubtitlesWithoutAnIndexNeedIdx1) {
     AviFile avi = unindexedFile(3);
     avi.stream(0).openDml = OpenDml::kStandard;
