@@ -127,7 +127,7 @@ bool StreamList::parseFormat(const ChunkWalker& chunk, Track* track, Seen* seen)
     }
     if (comesBeforeStreamHeader(seen->strh, "strf")) return false;
     seen->strf = true;
-    return parseSTRF(mReader, chunk.payload(), chunk.next(), mFile, track) == OK;
+    return parseSTRF(mReader, chunk.payload(), chunk.payloadEnd(), mFile, track) == OK;
 }
 
 bool StreamList::parseName(const ChunkWalker& chunk, Track* track, Seen* seen) {

@@ -54,7 +54,7 @@ TEST_F(AudioFormat, Of16BytesHasNoExtraData) {
 }
 
 TEST_F(AudioFormat, Under16BytesDropsTheStream) {
-    for (const size_t size : {0u, 2u, 14u}) {
+    for (const size_t size : {0u, 2u, 14u, 15u}) {
         SCOPED_TRACE(size);
         Stream stream = pcmStream();
         stream.edit = [size](Chunk& strl) { strl.child("strf").payload.resize(size); };
@@ -75,8 +75,25 @@ TEST_F(AudioFormat, OneOrTwoBytesBehindTheHeaderAreSkipped) {
     for (const size_t size : {1u, 2u}) {
         SCOPED_TRACE(size);
         ASSERT_EQ(2u, openWithRest(Bytes(size)));
-        expectSkipped(2);  // pad byte included
+        expectSkipped(size);
     }
+}
+
+TEST_F(AudioFormat, ExtraSizeAloneIsSkipped) {
+    setProperty(kExtractLogProperty, "1");
+    ASSERT_EQ(2u, openWithRest({2, 0}));
+    expectSkipped(2);
+    EXPECT_THAT(log(), Contains(verbose("   size = 0")));
+    EXPECT_EQ(0u, countOf("aHeader.size"));
+}
+
+TEST_F(AudioFormat, PadByteDoesNotMakeRoomForExtraData) {
+    ASSERT_EQ(2u, openWithRest({5, 0, 0xA1}));
+    expectSkipped(3);
+    ASSERT_EQ(2u, openWithRest({4, 0, 0xA1}));
+    expectSkipped(3);
+    ASSERT_EQ(2u, openWithRest({1, 0, 0xA1}));
+    EXPECT_EQ((Bytes{1, 0, 0xA1}), extra());
 }
 
 TEST_F(AudioFormat, ExtraDataIsAsLongAsItsSizeSays) {

@@ -20,6 +20,7 @@ class VideoFormat : public StreamsFixture {
         mAvi = fileOf({videoWithExtra("WVC1", patternBytes(64)), pcmStream()});
         editStream(mAvi, 0, [bytes](Chunk& strl) {
             strl.child("strf").marked("strf").payload.resize(bytes);
+            strl.child("strf").padByte = 0xEE;
         });
         mLog.clear();
         return open(mAvi);
@@ -40,7 +41,7 @@ TEST_F(VideoFormat, Of40BytesHasNoExtraData) {
 }
 
 TEST_F(VideoFormat, Under40BytesDropsTheStream) {
-    for (const size_t size : {0u, 16u, 38u}) {
+    for (const size_t size : {0u, 16u, 38u, 39u}) {
         SCOPED_TRACE(size);
         ASSERT_EQ(1u, openWithFormatOf(size));
         EXPECT_THAT(log(), Contains(Failure("parseSTRF", "3EF")));
@@ -56,13 +57,17 @@ TEST_F(VideoFormat, ThatCannotBeReadDropsTheStream) {
     EXPECT_THAT(log(), Contains(dropped()));
 }
 
-// The pad byte of an odd chunk counts.
+// The pad byte of an odd chunk does not count.
 TEST_F(VideoFormat, UpToThreeExtraBytesAreSkipped) {
-    for (const size_t extra : {1u, 2u}) {
+    for (const size_t extra : {1u, 2u, 3u}) {
         SCOPED_TRACE(extra);
         ASSERT_EQ(2u, openWithFormatOf(40 + extra));
-        EXPECT_THAT(log(), Contains(debug("parseSTRF(): Video has 2B extra config data.")));
-        EXPECT_THAT(log(), Contains(warning("parseSTRF(): skip invalid codec data 2 bytes")));
+        EXPECT_THAT(
+            log(),
+            Contains(debug(format("parseSTRF(): Video has %zuB extra config data.", extra))));
+        EXPECT_THAT(
+            log(),
+            Contains(warning(format("parseSTRF(): skip invalid codec data %zu bytes", extra))));
         EXPECT_EQ(std::nullopt, configuration());
     }
 }
@@ -73,6 +78,14 @@ TEST_F(VideoFormat, FourExtraBytesAreKept) {
     EXPECT_EQ(0u, countOf("skip invalid codec data"));
     Bytes expected = patternBytes(64);
     expected.resize(4);
+    EXPECT_EQ(expected, configuration());
+}
+
+TEST_F(VideoFormat, PadByteIsNoExtraData) {
+    ASSERT_EQ(2u, openWithFormatOf(45));
+    EXPECT_THAT(log(), Contains(debug("parseSTRF(): Video has 5B extra config data.")));
+    Bytes expected = patternBytes(64);
+    expected.resize(5);
     EXPECT_EQ(expected, configuration());
 }
 
