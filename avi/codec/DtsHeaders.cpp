@@ -135,13 +135,13 @@ bool readSubstreamFields(const Frame& frame, const SubstreamHeader& header, DtsF
     bits.skip(header.isLarge ? 33 : 25);
     const bool staticFields = bits.flag();
     AVI_LOGV("Ext substream staticFieldsPresent %u", staticFields);
-    const uint32_t assets = staticFields ? skipPresentations(&bits, substreamIndex) : 1;
-    bits.skip(assets * header.assetSizeBits + 12);
-    if (staticFields) {
-        readAsset(&bits, out);
-    } else {
+    if (!staticFields) {
         AVI_LOGV("Ext substream staticFieldsPresent is false, set to default value");
+        return bits.ok();
     }
+    const uint32_t assets = skipPresentations(&bits, substreamIndex);
+    bits.skip(assets * header.assetSizeBits + 12);
+    readAsset(&bits, out);
     return bits.ok();
 }
 

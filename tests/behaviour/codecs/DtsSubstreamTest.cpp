@@ -82,6 +82,23 @@ TEST_F(DtsSubstream, WithoutStaticFieldsTheFormatIsADefault) {
     EXPECT_EQ(countOf("sampleRateIndex"), 0u);
 }
 
+// Without static fields nothing of what follows their flag is needed, so that the header may end
+// anywhere behind it: the flag is bit 68, or 76 of a large header.
+TEST_F(DtsSubstream, WithoutStaticFieldsTheHeaderMayEndBehindTheirFlag) {
+    mHeader.staticFields = false;
+    for (const bool large : {false, true}) {
+        mHeader.large = large;
+        for (uint32_t size = large ? 10 : 9; size <= 14; ++size) {
+            SCOPED_TRACE(format("%u bytes, large %d", size, large));
+            mHeader.size = size;
+            openFirst(mHeader.frame(kLosslessAsset));
+            expectFormat(kHd, 2, 48000);
+            openFirst(mHeader.frame(kExpressAsset));
+            expectFormat(kExpress, 2, 48000);
+        }
+    }
+}
+
 TEST_F(DtsSubstream, EachOptionalFieldIsSkipped) {
     const std::function<void(SubstreamHeader&)> kOptions[] = {
         [](SubstreamHeader& h) { h.timeStamp = true; },
