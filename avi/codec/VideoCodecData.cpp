@@ -25,12 +25,13 @@ bool hasAspectRatio(AMediaFormat* meta) {
 
 // Key samples begin with parameter sets in either form more often than not; the others tell.
 void probeAvcFraming(const FileReader& reader, Track* track) {
-    constexpr uint32_t kMinProbedSize = 5;
+    constexpr int32_t kMinProbedSize = 5;  // sizes of 2 GiB and more count as negative
     static constexpr uint8_t kStartCode[] = {0, 0, 0, 1};
     const SampleTable& table = track->mTable;
     for (size_t i = 0; i < table.size(); ++i) {
         const bool isKeySample = table.syncFlag(i) == 1;
-        if (isKeySample || table.chunkSize(i) < kMinProbedSize) continue;
+        const auto size = static_cast<int32_t>(table.chunkSize(i));
+        if (isKeySample || size < kMinProbedSize) continue;
         uint8_t bytes[sizeof(kStartCode)];
         if (!reader.readExactly(table.offset(i), bytes, sizeof(bytes))) continue;
         AVI_LOGW("%s(): Start code + NALU style H264 from sample %zu", "generateVideoCodecData", i);

@@ -133,6 +133,30 @@ TEST_F(AvcFraming, SampleOfFiveBytesIsProbed) {
     EXPECT_TRUE(logged(probedSample(1)));
 }
 
+// Sizes are signed here: that of an index entry that claims 2 GiB is below five bytes.
+TEST_F(AvcFraming, SizesOf2GiBAndMoreAreNotProbed) {
+    for (const uint32_t size : {0x80000000u, 0x80000005u, 0xFFFFFFFFu}) {
+        SCOPED_TRACE(format("0x%08x", size));
+        mLog.clear();
+        AviFile avi = codecFile(mStream, mSamples);
+        avi.segment().index.edit = [size](std::vector<Idx1Entry>& entries) {
+            entries[1].length = size;
+        };
+        ASSERT_EQ(open(avi), 2u);
+        EXPECT_TRUE(logged(probedSample(2)));
+        EXPECT_EQ(probeLines(), 2u);
+    }
+}
+
+TEST_F(AvcFraming, SizeBelow2GiBIsProbed) {
+    AviFile avi = codecFile(mStream, mSamples);
+    avi.segment().index.edit = [](std::vector<Idx1Entry>& entries) {
+        entries[1].length = 0x7FFFFFFF;
+    };
+    ASSERT_EQ(open(avi), 2u);
+    EXPECT_TRUE(logged(probedSample(1)));
+}
+
 TEST_F(AvcFraming, UnreadableSamplesAreSkippedSilently) {
     openSamplesWithout(mStream, mSamples, {1, 2});
     EXPECT_TRUE(logged(probedSample(3)));
