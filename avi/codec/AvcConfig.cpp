@@ -92,14 +92,13 @@ sp<ABuffer> makeAvcRecord(const sp<ABuffer>& sps, const sp<ABuffer>& pps) {
     constexpr size_t kFieldsSize = 11;
     constexpr uint8_t kLengthSizeTwo = 0xFD;  // the decoders get start codes and do not look
     constexpr uint8_t kOneSps = 0xE1;
-    if (sps->size() > UINT16_MAX || pps->size() > UINT16_MAX) return nullptr;
     ByteWriter out(kFieldsSize + sps->size() + pps->size());
     if (!out.ok()) return nullptr;
     out.u8(1);
     out.bytes(sps->data() + 1, 3);
     out.u8(kLengthSizeTwo);
     out.u8(kOneSps);
-    out.u16(static_cast<uint32_t>(sps->size()));
+    out.u16(static_cast<uint32_t>(sps->size()));  // the low 16 bits of a longer set
     out.bytes(sps->data(), sps->size());
     out.u8(1);
     out.u16(static_cast<uint32_t>(pps->size()));

@@ -45,7 +45,8 @@ struct IdrSearch {
 IdrSearch findFirstIdr(const uint8_t* data, size_t size);
 
 // The decoder configuration record of one sequence and one picture parameter set; null without
-// memory, or when a set is longer than the record can tell. REQUIRES: sps->size() >= 4.
+// memory. A set longer than 65535 bytes stands in it whole, with the low 16 bits of its length.
+// REQUIRES: sps->size() >= 4.
 sp<ABuffer> makeAvcRecord(const sp<ABuffer>& sps, const sp<ABuffer>& pps);
 
 }  // namespace android

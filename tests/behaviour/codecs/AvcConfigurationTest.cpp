@@ -50,6 +50,29 @@ TEST_F(AvcConfiguration, RecordHoldsTheSetsFieldByField) {
     EXPECT_EQ(Bytes(csd.begin() + 11 + n, csd.end()), mPps);
 }
 
+// The sets themselves are whole.
+TEST_F(AvcConfiguration, LengthsAreCutTo16Bits) {
+    const Bytes longSps = mSps + Bytes(0x10203 - mSps.size(), 0x55);
+    const Bytes longPps = mPps + Bytes(0x1FFFF - mPps.size(), 0x66);
+    for (const auto& [sps, pps] :
+         {std::pair(mSps, longPps), std::pair(longSps, mPps), std::pair(longSps, longPps)}) {
+        SCOPED_TRACE(testing::Message() << sps.size() << " and " << pps.size());
+        openSets(sps, pps);
+        const Bytes expected = ByteWriter()
+                                   .bytes(Bytes{1, sps[1], sps[2], sps[3], 0xFD, 0xE1})
+                                   .u8(static_cast<uint8_t>(sps.size() >> 8))
+                                   .u8(static_cast<uint8_t>(sps.size()))
+                                   .bytes(sps)
+                                   .u8(1)
+                                   .u8(static_cast<uint8_t>(pps.size() >> 8))
+                                   .u8(static_cast<uint8_t>(pps.size()))
+                                   .bytes(pps)
+                                   .take();
+        EXPECT_TRUE(record() == expected);  // without printing half a megabyte
+        EXPECT_EQ(number(AMEDIAFORMAT_KEY_WIDTH), 352);
+    }
+}
+
 TEST_F(AvcConfiguration, SizeOfThePictureIsThatOfTheSet) {
     openSets(mSps, mPps);
     EXPECT_EQ(mimeType(), "video/avc");

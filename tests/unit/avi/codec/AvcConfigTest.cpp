@@ -146,12 +146,13 @@ TEST(MakeAvcRecord, LengthsHaveTwoBytes) {
     EXPECT_EQ(std::make_tuple(record[at], record[at + 1]), std::make_tuple(0x04, 0x56));
 }
 
-TEST(MakeAvcRecord, SetLongerThanItsLengthCanTellGivesNone) {
-    const Bytes largest(0xFFFF, 0x67);
-    const Bytes larger(0x10000, 0x67);
-    EXPECT_NE(makeAvcRecord(bufferOf(largest), bufferOf(largest)), nullptr);
-    EXPECT_EQ(makeAvcRecord(bufferOf(larger), bufferOf({0x68})), nullptr);
-    EXPECT_EQ(makeAvcRecord(bufferOf({0x67, 1, 2, 3}), bufferOf(larger)), nullptr);
+TEST(MakeAvcRecord, LengthsAreTheLow16Bits) {
+    const Bytes larger(0x10203, 0x67);
+    const sp<ABuffer> record = makeAvcRecord(bufferOf(larger), bufferOf({0x68}));
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->size(), 0x10203u + 12);
+    EXPECT_EQ(record->data()[6], 0x02);
+    EXPECT_EQ(record->data()[7], 0x03);
 }
 
 TEST(MakeAvcRecord, RecordIsWellFormed) {
