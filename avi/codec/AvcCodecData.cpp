@@ -114,7 +114,7 @@ void generateAvcCodecData(const FileReader& reader, Track* track) {
     // The length stays that from the start of the sample, so that a delimiter in front of the
     // parameter sets does not cut them off.
     sample->setRange(spsAt + idr.position < sample->capacity() ? spsAt : 0, idr.position);
-    track->mCodecData = sample;
+    track->mCodecData = nullptr;  // these parameter sets take the place of the stream format's
     hexDump(sample->data(), sample->size());
     makeAvcConfig(track->meta.get(), sample);
 }

@@ -9,6 +9,7 @@
 
 #include "codec/HevcParameterSets.h"
 #include "codec/ReadSample.h"
+#include "support/Arithmetic.h"
 #include "support/HexDump.h"
 #include "support/Log.h"
 
@@ -22,13 +23,15 @@ bool hasConfig(AMediaFormat* meta) {
     return AMediaFormat_getBuffer(meta, AMEDIAFORMAT_KEY_CSD_HEVC, &data, &size);
 }
 
+unsigned unitSize(const HevcParameterSet& set) {
+    constexpr uint32_t kPrefixSize = 4;
+    return wrapSub32(static_cast<uint32_t>(set.entrySize), kPrefixSize);
+}
+
 void logSequenceHeader(const sp<ABuffer>& sample, const HevcSequenceHeader& h) {
-    constexpr size_t kPrefixSize = 4;
     AVI_LOGV("%s(): Whole Seq Hdr found @%u, VPS/SPS/PPS size %u/%u/%u", "generateHevcCodecData",
-             static_cast<unsigned>(h.end), static_cast<unsigned>(h.sps - h.vps - kPrefixSize),
-             static_cast<unsigned>(h.pps - h.sps - kPrefixSize),
-             static_cast<unsigned>(h.end - h.pps - kPrefixSize));
-    hexDump(sample->data() + h.vps, std::min(h.end, sample->size() - h.vps));
+             static_cast<unsigned>(h.end), unitSize(h.vps), unitSize(h.sps), unitSize(h.pps));
+    hexDump(sample->data() + h.vps.at, std::min(h.end, sample->size() - h.vps.at));
     AVI_LOGV("%s(): NAL start @offset %d.", "generateHevcCodecData", static_cast<int>(h.end));
 }
 
@@ -45,23 +48,22 @@ void generateHevcCodecData(const FileReader& reader, Track* track) {
         return;
     }
     HevcSequenceHeader header;
-    if (!findHevcSequenceHeader(sample->data(), sample->size(), &header)) {
+    if (!rewriteHevcSequenceHeader(sample->data(), sample->size(), &header)) {
         AVI_LOGE("%s(): Found no sequence start! UNSUPPORTED HEVC!", "generateHevcCodecData");
         track->mBadTrack = true;
         return;
     }
-    const bool isRecord = sample->data()[0] == 1;
-    prefixHevcParameterSets(sample->data(), header);
     logSequenceHeader(sample, header);
-    sample->setRange(0, header.end);
-    track->mCodecData = isRecord ? sample : makeHevcRecord(sample->data(), header);
-    if (track->mCodecData == nullptr) return;
-
-    const sp<ABuffer>& csd = track->mCodecData;
-    AVI_LOGV("%s(): set HVCC seq hdr, size %zu @L%d:", "generateHevcCodecData", csd->size(),
+    const bool isRecord = sample->data()[0] == 1;
+    const sp<ABuffer> record =
+        isRecord ? sample : makeHevcRecord(sample->data(), sample->size(), header);
+    if (record == nullptr) return;
+    if (isRecord) sample->setRange(0, header.end);
+    track->mCodecData = nullptr;  // what the stream format had is of no use any more
+    AVI_LOGV("%s(): set HVCC seq hdr, size %zu @L%d:", "generateHevcCodecData", record->size(),
              __LINE__);
-    hexDump(csd->data(), csd->size());
-    AMediaFormat_setBuffer(meta, AMEDIAFORMAT_KEY_CSD_HEVC, csd->data(), csd->size());
+    hexDump(record->data(), record->size());
+    AMediaFormat_setBuffer(meta, AMEDIAFORMAT_KEY_CSD_HEVC, record->data(), record->size());
 }
 
 }  // namespace android

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "codec/HevcParameterSets.h"
 
+#include <algorithm>
+
+#include "support/Arithmetic.h"
 #include "support/ByteWriter.h"
 #include "support/Log.h"
 
@@ -33,42 +36,51 @@ bool isStartCode(const uint8_t* data) {
     return data[0] == 0 && data[1] == 0 && data[2] == 0 && data[3] == 1;
 }
 
-void writePrefix(uint8_t* out, size_t length) {
-    out[0] = 0;
-    out[1] = 1;
-    out[2] = static_cast<uint8_t>(length >> 8);
-    out[3] = static_cast<uint8_t>(length);
+// Ends the entry of a set where the next one begins. REQUIRES: four bytes at set->at.
+void closeEntry(HevcParameterSet* set, size_t end, uint8_t* data) {
+    set->entrySize = end - set->at;
+    const uint32_t length = wrapSub32(static_cast<uint32_t>(set->entrySize), kStartCodeSize);
+    uint8_t* prefix = data + set->at;
+    prefix[0] = 0;
+    prefix[1] = 1;
+    prefix[2] = static_cast<uint8_t>(length >> 8);
+    prefix[3] = static_cast<uint8_t>(length);
+}
+
+void openEntry(HevcParameterSet* set, size_t at) {
+    set->found = true;
+    set->at = at;
+}
+
+void writeEntry(const HevcParameterSet& set, const uint8_t* data, size_t size, ByteWriter* out) {
+    out->bytes(data + set.at, std::min(set.entrySize, size - set.at));
 }
 
 }  // namespace
 
-bool findHevcSequenceHeader(const uint8_t* data, size_t size, HevcSequenceHeader* out) {
+bool rewriteHevcSequenceHeader(uint8_t* data, size_t size, HevcSequenceHeader* out) {
     HevcSequenceHeader h;
-    bool vps = false;
-    bool sps = false;
-    bool pps = false;
     for (size_t p = 0; p < kMaxScannedPositions && p + kStartCodeSize < size; ++p) {
         if (!isStartCode(data + p)) continue;
         switch (data[p + kStartCodeSize]) {
             case kVpsHeader:
+                openEntry(&h.vps, p);
                 AVI_LOGV("%s(): VPS found @%u", "generateHevcCodecData", static_cast<unsigned>(p));
-                vps = true;
-                h.vps = p;
                 break;
             case kSpsHeader:
+                closeEntry(&h.vps, p, data);
+                openEntry(&h.sps, p);
                 AVI_LOGV("%s(): SPS found @%u", "generateHevcCodecData", static_cast<unsigned>(p));
-                sps = true;
-                h.sps = p;
                 break;
             case kPpsHeader:
+                closeEntry(&h.sps, p, data);
+                openEntry(&h.pps, p);
                 AVI_LOGV("%s(): PPS found @%u", "generateHevcCodecData", static_cast<unsigned>(p));
-                pps = true;
-                h.pps = p;
                 break;
             default:
-                if (!vps || !sps || !pps) break;
+                if (!h.vps.found || !h.sps.found || !h.pps.found) break;
+                closeEntry(&h.pps, p, data);
                 h.end = p;
-                if (h.vps > h.sps || h.sps > h.pps) return false;
                 *out = h;
                 return true;
         }
@@ -76,22 +88,16 @@ bool findHevcSequenceHeader(const uint8_t* data, size_t size, HevcSequenceHeader
     return false;
 }
 
-void prefixHevcParameterSets(uint8_t* data, const HevcSequenceHeader& h) {
-    writePrefix(data + h.vps, h.sps - h.vps - kStartCodeSize);
-    writePrefix(data + h.sps, h.pps - h.sps - kStartCodeSize);
-    writePrefix(data + h.pps, h.end - h.pps - kStartCodeSize);
-}
-
-sp<ABuffer> makeHevcRecord(const uint8_t* data, const HevcSequenceHeader& h) {
+sp<ABuffer> makeHevcRecord(const uint8_t* data, size_t size, const HevcSequenceHeader& h) {
     ByteWriter out(sizeof(kRecordHeader) + kArrayHeaders + h.end);
     if (!out.ok()) return nullptr;
     out.bytes(kRecordHeader, sizeof(kRecordHeader));
     out.u8(kVpsArray);
-    out.bytes(data + h.vps, h.sps - h.vps);
+    writeEntry(h.vps, data, size, &out);
     out.u8(kSpsArray);
-    out.bytes(data + h.sps, h.pps - h.sps);
+    writeEntry(h.sps, data, size, &out);
     out.u8(kPpsArray);
-    out.bytes(data + h.pps, h.end - h.pps);
+    writeEntry(h.pps, data, size, &out);
     return out.buffer();
 }
 

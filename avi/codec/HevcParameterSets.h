@@ -11,24 +11,29 @@
 
 namespace android {
 
-// Where the parameter sets lie in a sample: offsets of their four-byte start codes. The sequence
-// header ends at `end`. Invariant of a found header: vps < sps < pps < end.
+// One parameter set in a sample: an entry of the record, once its start code is rewritten.
+struct HevcParameterSet {
+    bool found = false;
+    size_t at = 0;         // offset of its start code of four bytes
+    size_t entrySize = 0;  // bytes of the start code and the unit
+};
+
+// The parameter sets in front of the first picture; the header ends at `end`.
 struct HevcSequenceHeader {
-    size_t vps = 0;
-    size_t sps = 0;
-    size_t pps = 0;
+    HevcParameterSet vps;
+    HevcParameterSet sps;
+    HevcParameterSet pps;
     size_t end = 0;
 };
 
 // Looks for a whole sequence header in the first 1000 positions; only four-byte start codes count.
-bool findHevcSequenceHeader(const uint8_t* data, size_t size, HevcSequenceHeader* out);
+// Rewrites the start codes of the sets into the number of units (1) and the unit's length modulo
+// 2^16, set by set: the sequence set closes the entry of the video set, the picture set that of the
+// sequence set. Sets in another order make entries of other lengths; all stay inside the sample.
+bool rewriteHevcSequenceHeader(uint8_t* data, size_t size, HevcSequenceHeader* out);
 
-// Rewrites the start codes of the parameter sets into the number of units (1) and the unit's
-// length.
-void prefixHevcParameterSets(uint8_t* data, const HevcSequenceHeader& header);
-
-// The record around rewritten parameter sets: 26 + header.end bytes, those not written zero. Null
-// without memory.
-sp<ABuffer> makeHevcRecord(const uint8_t* data, const HevcSequenceHeader& header);
+// The record around rewritten parameter sets: 26 + header.end bytes, those not written zero. What
+// an entry lacks beyond the sample or the record is left out. Null without memory.
+sp<ABuffer> makeHevcRecord(const uint8_t* data, size_t size, const HevcSequenceHeader& header);
 
 }  // namespace android

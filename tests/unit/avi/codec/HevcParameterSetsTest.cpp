@@ -39,10 +39,10 @@ Bytes sample(const std::vector<Unit>& units) {
 
 // Offsets of the sets and the end; none when no sequence header is found.
 std::optional<Offsets> find(const Bytes& data) {
-    const ExactBytes exact(data);
+    ExactBytes exact(data);
     HevcSequenceHeader h;
-    if (!findHevcSequenceHeader(exact.data(), exact.size(), &h)) return std::nullopt;
-    return Offsets{h.vps, h.sps, h.pps, h.end};
+    if (!rewriteHevcSequenceHeader(exact.data(), exact.size(), &h)) return std::nullopt;
+    return Offsets{h.vps.at, h.sps.at, h.pps.at, h.end};
 }
 
 }  // namespace
@@ -84,15 +84,17 @@ TEST(HevcSequence, LastOfRepeatedSetsCounts) {
               (Offsets{0, 9, 27, 36}));
 }
 
-TEST(HevcSequence, SetsInAnotherOrderAreNone) {
+TEST(HevcSequence, SetsInAnyOrderMakeAHeader) {
     const uint8_t kOrders[][3] = {
         {kVps, kPps, kSps}, {kSps, kVps, kPps}, {kSps, kPps, kVps},
         {kPps, kVps, kSps}, {kPps, kSps, kVps},
     };
     for (const auto& order : kOrders) {
         SCOPED_TRACE(testing::PrintToString(order));
-        EXPECT_EQ(find(sample({{order[0], 5}, {order[1], 6}, {order[2], 7}, {kPicture, 1}})),
-                  std::nullopt);
+        const auto found =
+            find(sample({{order[0], 5}, {order[1], 6}, {order[2], 7}, {kPicture, 1}}));
+        ASSERT_TRUE(found);
+        EXPECT_EQ(found->back(), 30u);
     }
 }
 
@@ -120,23 +122,28 @@ TEST(HevcSequence, PositionsAreLoggedWithTheExtractLogOnly) {
 }
 
 TEST(HevcPrefixes, CodesBecomeCountAndLength) {
-    const HevcSequenceHeader header = {1, 305, 320, 331};
-    ExactBytes data(Bytes(331, 0x99));
-    prefixHevcParameterSets(data.data(), header);
+    const Bytes data = sample({{kVps, 300}, {kSps, 11}, {kPps, 7}, {kPicture, 3}});
+    ExactBytes exact(data);
+    HevcSequenceHeader header;
+    ASSERT_TRUE(rewriteHevcSequenceHeader(exact.data(), exact.size(), &header));
 
-    Bytes expected(331, 0x99);
+    Bytes expected = data;
     const auto put = [&](size_t at, const Bytes& prefix) {
         std::copy(prefix.begin(), prefix.end(), expected.begin() + static_cast<ptrdiff_t>(at));
     };
-    put(1, {0, 1, 0x01, 0x2C});
-    put(305, {0, 1, 0, 11});
-    put(320, {0, 1, 0, 7});
-    EXPECT_EQ(data.first(331), expected);
+    put(0, {0, 1, 0x01, 0x2C});
+    put(304, {0, 1, 0, 11});
+    put(319, {0, 1, 0, 7});
+    EXPECT_EQ(exact.first(data.size()), expected);
+    EXPECT_EQ(header.vps.entrySize, 304u);
+    EXPECT_EQ(header.sps.entrySize, 15u);
+    EXPECT_EQ(header.pps.entrySize, 11u);
 }
 
 TEST(HevcRecord, EntriesFollowTheirArrays) {
     const ExactBytes data{9, 9, 1, 2, 3, 4, 5, 6, 7};
-    const sp<ABuffer> record = makeHevcRecord(data.data(), {2, 4, 7, 9});
+    const sp<ABuffer> record =
+        makeHevcRecord(data.data(), data.size(), {{true, 2, 2}, {true, 4, 3}, {true, 7, 2}, 9});
     const Bytes expected = {0x01, 0x01, 0,    0,    0,    0,    0,    0, 0, 0,    0,    0,
                             0x99, 0xF0, 0,    0xFC, 0xFC, 0xF8, 0xF8, 0, 0, 0x03, 0x03, 0xA0,
                             1,    2,    0xA1, 3,    4,    5,    0xA2, 6, 7, 0,    0};
