@@ -3,6 +3,8 @@
 
 #include <stdio.h>
 
+#include "support/PaddedBytes.h"
+
 namespace android {
 
 namespace {
@@ -13,23 +15,6 @@ constexpr uint32_t kUserData = 0x000001B2;
 constexpr uint32_t kGroupOfVop = 0x000001B3;
 constexpr uint32_t kVisualObject = 0x000001B5;
 constexpr uint32_t kVop = 0x000001B6;
-
-// Big-endian reads of data that may end anywhere.
-class Bytes {
-  public:
-    Bytes(const uint8_t* data, size_t size) : mData(data), mSize(size) {}
-
-    uint8_t byteAt(size_t i) const { return i < mSize ? mData[i] : uint8_t{0}; }
-
-    uint32_t wordAt(size_t i) const {
-        return uint32_t{byteAt(i)} << 24 | uint32_t{byteAt(i + 1)} << 16 |
-               uint32_t{byteAt(i + 2)} << 8 | byteAt(i + 3);
-    }
-
-  private:
-    const uint8_t* mData;
-    size_t mSize;
-};
 
 std::string hexOf(uint32_t word) {
     char text[9];
@@ -49,7 +34,7 @@ const char* codingTypeText(uint8_t firstByte) {
     return kTexts[firstByte >> 6];
 }
 
-std::string describeSequence(const Bytes& bytes) {
+std::string describeSequence(const PaddedBytes& bytes) {
     std::string text = ", profile level=0x" + hexOf(bytes.byteAt(4));
     const uint32_t next = bytes.wordAt(5);
     if (next == kVisualObject) {
@@ -61,7 +46,7 @@ std::string describeSequence(const Bytes& bytes) {
 }  // namespace
 
 std::string describeMpeg4Start(const uint8_t* data, size_t size) {
-    const Bytes bytes(data, size);
+    const PaddedBytes bytes(data, size);
     const uint32_t word = bytes.wordAt(0);
     const std::string code = hexOf(word);
     switch (word) {

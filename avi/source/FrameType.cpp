@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "source/FrameType.h"
 
+#include "support/PaddedBytes.h"
+#include "support/StartCode.h"
+
 namespace android {
 
 namespace {
@@ -36,34 +39,35 @@ FrameType vopType(uint8_t bits) {
     }
 }
 
-// Offset of the byte behind the next VOP or group header code at or after `from`; 0 when there is
-// none, or nothing behind it.
-size_t behindVopCode(const uint8_t* data, size_t size, size_t from) {
-    for (size_t i = from + 3; i + 1 < size; ++i) {
-        const bool startCode = data[i - 3] == 0 && data[i - 2] == 0 && data[i - 1] == 1;
-        if (startCode && (data[i] == kGroupOfVop || data[i] == kVop)) return i + 1;
+// Offset of the byte after the next VOP or group header code at or after `from`; 0 when there is
+// none, or nothing after it.
+size_t afterVopCode(const uint8_t* data, size_t size, size_t from) {
+    for (size_t at = from;; at += kStartCodePrefixSize) {
+        at = findStartCodePrefix(data, size, at);
+        if (size - at <= kStartCodePrefixSize + 1) return 0;
+        const uint8_t code = data[at + kStartCodePrefixSize];
+        if (code == kGroupOfVop || code == kVop) return at + kStartCodePrefixSize + 1;
     }
-    return 0;
 }
 
 }  // namespace
 
 FrameType avcFrameType(const uint8_t* data, size_t size) {
     if (size < kMinAvcBytes) return FrameType::kUnknown;
-    for (size_t i = 3; i < size; ++i) {
-        if (data[i - 3] != 0 || data[i - 2] != 0 || data[i - 1] != 1) continue;
-        const uint8_t type = data[i] & kNalTypeMask;
+    for (size_t at = 0;; at += kStartCodePrefixSize) {
+        at = findStartCodePrefix(data, size, at);
+        if (size - at <= kStartCodePrefixSize) return FrameType::kUnknown;
+        const PaddedBytes unit = PaddedBytes(data, size).from(at + kStartCodePrefixSize);
+        const uint8_t type = unit.byteAt(0) & kNalTypeMask;
         if (type == kNalIdr) return FrameType::kIntra;
-        const bool isSlice = type >= 1 && type <= kNalLastSlice;
-        if (isSlice) return i + 1 < size ? sliceType(data[i + 1]) : FrameType::kUnknown;
+        if (type >= 1 && type <= kNalLastSlice) return sliceType(unit.byteAt(1));
     }
-    return FrameType::kUnknown;
 }
 
 FrameType mpeg4FrameType(const uint8_t* data, size_t size) {
     if (size < kMinFrameBytes) return FrameType::kUnknown;
-    size_t at = behindVopCode(data, size, 0);
-    if (at != 0 && data[3] == kGroupOfVop) at = behindVopCode(data, size, 4);
+    size_t at = afterVopCode(data, size, 0);
+    if (at != 0 && data[3] == kGroupOfVop) at = afterVopCode(data, size, 4);
     return at == 0 ? FrameType::kUnknown : vopType(data[at]);
 }
 

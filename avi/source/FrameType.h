@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Tells the kind of a video frame from its first bytes. Functions over bytes, without state.
+// The kind of a video frame, by its first bytes. Functions over bytes, without state.
 #pragma once
 
 #include <stddef.h>
@@ -15,15 +15,17 @@ enum class FrameType {
     kBidirectional = 3,
 };
 
-// By the first slice header behind a start code (ISO/IEC 14496-10, 7.3.3). HEVC streams are typed
+// By the first slice header after a start code (ISO/IEC 14496-10, 7.3.3). HEVC streams are typed
 // by the same rules.
 FrameType avcFrameType(const uint8_t* data, size_t size);
 
-// By the coding type of the first VOP (ISO/IEC 14496-2, 6.2.5), looked for behind the group header
+// By the coding type of the first VOP (ISO/IEC 14496-2, 6.2.5), looked for after the group header
 // when the data begins with one.
 FrameType mpeg4FrameType(const uint8_t* data, size_t size);
 
-// By the picture bit that most other codecs of AVI files have in their fifth byte.
+// For all other codecs. A guess: one bit of the fifth byte is taken for the picture type, whatever
+// the codec has there. The type shows in the log, and decides whether a seek in a file with an
+// untrusted index lands on a frame.
 FrameType genericFrameType(const uint8_t* data, size_t size);
 
 // 'I', 'P' or 'B' as text for the log, "N/A" when unknown.
