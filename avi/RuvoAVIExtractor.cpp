@@ -70,8 +70,7 @@ MediaTrackHelper* RuvoAVIExtractor::getTrack(size_t index) {
     if (readMetaData() != OK) return nullptr;
     Track* track = mFile.tracks.byPosition(index);
     if (track == nullptr) return nullptr;
-    return new RuvoAVISource(track->meta.get(), mReader, track->info, &track->mTable,
-                             mFile.audioSeekTimes, &track->mFormatLock);
+    return new RuvoAVISource(track, mReader, mFile.audioSeekTimes);
 }
 
 media_status_t RuvoAVIExtractor::getTrackMetaData(AMediaFormat* out, size_t index, uint32_t flags) {

@@ -55,7 +55,7 @@ std::string endsOf(const uint8_t* data, size_t size, size_t head, size_t tail) {
 // and for all while the verbose-log switch is on.
 bool RuvoAVISource::isEnableLogOutput() const {
     if (mReadCount < kAlwaysLogged || verboseLogEnabled()) return true;
-    const size_t count = mTable->size();
+    const size_t count = mTrack.table.size();
     return count >= kAlwaysLogged && mCurrentSampleIndex > count - kAlwaysLogged;
 }
 
@@ -75,10 +75,11 @@ void RuvoAVISource::dumpData(const uint8_t* data, size_t size, int64_t timeUs, u
     const std::string bytes =
         size <= kWholeDump ? hexBytes(data, size) : endsOf(data, size, kDumpHead, kDumpTail);
     const std::string information = timeUs == kNoTime ? "" : readInformation(timeUs, size);
-    AVI_LOGD("[%s][%d][%s][%u] %s(%s)", mMime.c_str(), static_cast<int>(mInfo.mStreamIndex),
-             mIsVideo   ? "V"
-             : mIsAudio ? "A"
-                        : "S",
+    AVI_LOGD("[%s][%d][%s][%u] %s(%s)", mTrack.mime.c_str(),
+             static_cast<int>(mTrack.info.mStreamIndex),
+             mTrack.isVideo   ? "V"
+             : mTrack.isAudio ? "A"
+                              : "S",
              index, bytes.c_str(), information.c_str());
     ++mReadCount;
 }
@@ -100,31 +101,22 @@ std::string RuvoAVISource::readInformation(int64_t timeUs, size_t size) {
         information.append("/");
         appendBitRate(bitsPerSecond(mTotalReadBytes, mTotalReadTimeUs), &information);
         information.append("/");
-        appendBitRate(trackBitRate(), &information);
+        appendBitRate(mTrack.bitRate, &information);
     }
     return information.c_str();
-}
-
-// Bits per second; 0 when the format tells none.
-int32_t RuvoAVISource::trackBitRate() const {
-    const std::lock_guard<std::mutex> lock(*mFormatLock);
-    int32_t bitRate = 0;
-    if (!AMediaFormat_getInt32(mFormat, AMEDIAFORMAT_KEY_AVI_AV_BIT_RATE, &bitRate)) {
-        AMediaFormat_getInt32(mFormat, AMEDIAFORMAT_KEY_BIT_RATE, &bitRate);
-    }
-    return bitRate;
 }
 
 // What was loaded into mBuffer, and where it stands in the file and in time.
 void RuvoAVISource::logChunk(const Chunk& chunk, int64_t timeUs, const Seek& seek) const {
     if (!isEnableLogOutput()) return;
     const std::string text = prefix(chunk);
-    if (!mIsAVC && !mIsHEVC) logFrame(text);
+    if (!mTrack.isAvc && !mTrack.isHevc) logFrame(text);
     AVI_LOGD("%s DTS/OFF/SZ/SYNC/TTSZ/SKTM/%s/SSZ/TID=(%lld %llx %zu %d %u %lld %d %u %d)",
-             text.c_str(), mIsAudio ? "BLCKM" : "BRKIX", ll(timeUs),
-             ull(static_cast<uint64_t>(chunk.offset)), size_t{chunk.size}, chunk.isSync || mIsAudio,
-             chunk.bytesBefore, ll(seek.timeUs), mIsAudio ? mInfo.mBlockMode : mInfo.mBrokenIndex,
-             mInfo.mSampleSize, static_cast<int>(gettid()));
+             text.c_str(), mTrack.isAudio ? "BLCKM" : "BRKIX", ll(timeUs),
+             ull(static_cast<uint64_t>(chunk.offset)), size_t{chunk.size},
+             chunk.isSync || mTrack.isAudio, chunk.bytesBefore, ll(seek.timeUs),
+             mTrack.isAudio ? mTrack.info.mBlockMode : mTrack.info.mBrokenIndex,
+             mTrack.info.mSampleSize, static_cast<int>(gettid()));
 }
 
 // The data in mBuffer, described by its MPEG-4 start code where it is short enough to be shown
@@ -132,14 +124,14 @@ void RuvoAVISource::logChunk(const Chunk& chunk, int64_t timeUs, const Seek& see
 void RuvoAVISource::logFrame(const std::string& prefix) const {
     const auto* data = static_cast<const uint8_t*>(mBuffer->data()) + mBuffer->range_offset();
     const size_t size = mBuffer->range_length();
-    if (size > kWholeFrame && !mInfo.mIsSubtitle) {
+    if (size > kWholeFrame && !mTrack.info.mIsSubtitle) {
         AVI_LOGD("%s %s(SZ: %zu)", prefix.c_str(),
                  endsOf(data, size, kFrameEnds, kFrameEnds).c_str(), size);
         return;
     }
-    const size_t shown = mInfo.mIsSubtitle ? std::min(size, kSubtitleTimes) : size;
+    const size_t shown = mTrack.info.mIsSubtitle ? std::min(size, kSubtitleTimes) : size;
     const std::string times =
-        mInfo.mIsSubtitle ? std::string(reinterpret_cast<const char*>(data), shown) : "";
+        mTrack.info.mIsSubtitle ? std::string(reinterpret_cast<const char*>(data), shown) : "";
     AVI_LOGD("%s %s%s%s", prefix.c_str(), hexBytes(data, shown).c_str(),
              describeMpeg4Start(data, size).c_str(), times.c_str());
 }

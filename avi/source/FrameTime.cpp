@@ -11,16 +11,16 @@
 namespace android {
 
 FrameType RuvoAVISource::getFrameType(const uint8_t* data, size_t size) const {
-    if (mIsAVC || mIsHEVC) return avcFrameType(data, size);
-    return mIsMPEG4 ? mpeg4FrameType(data, size) : genericFrameType(data, size);
+    if (mTrack.isAvc || mTrack.isHevc) return avcFrameType(data, size);
+    return mTrack.isMpeg4 ? mpeg4FrameType(data, size) : genericFrameType(data, size);
 }
 
 // Types frame i by its first bytes; false when they cannot be read.
 bool RuvoAVISource::probeFrame(size_t i, FrameType* type) const {
     uint8_t bytes[256];
-    const uint32_t chunkSize = mTable->chunkSize(i);
+    const uint32_t chunkSize = mTrack.table.chunkSize(i);
     const size_t size = std::min<size_t>(chunkSize, sizeof(bytes));
-    if (!mReader.readExactly(mTable->offset(i), bytes, size)) return false;
+    if (!mTrack.reader.readExactly(mTrack.table.offset(i), bytes, size)) return false;
     *type = getFrameType(bytes, size);
     return true;
 }
@@ -29,7 +29,7 @@ bool RuvoAVISource::probeFrame(size_t i, FrameType* type) const {
 // behind the end of a cut file.
 int64_t RuvoAVISource::followingBFrames() const {
     int64_t count = 0;
-    for (size_t i = mCurrentSampleIndex; i < mTable->size(); ++i) {
+    for (size_t i = mCurrentSampleIndex; i < mTrack.table.size(); ++i) {
         FrameType type = FrameType::kUnknown;
         if (!probeFrame(i, &type)) continue;
         if (type != FrameType::kBidirectional) break;
@@ -39,22 +39,23 @@ int64_t RuvoAVISource::followingBFrames() const {
 }
 
 int64_t RuvoAVISource::sampleTimeUs(const Chunk& chunk) const {
-    if (!mInfo.mIsSubtitle) return calculateFrameDTS(chunk.type, chunk.bytesBefore);
+    if (!mTrack.info.mIsSubtitle) return calculateFrameDTS(chunk.type, chunk.bytesBefore);
     return getSubtitleDts(static_cast<const uint8_t*>(mBuffer->data()), chunk.size);
 }
 
 int64_t RuvoAVISource::calculateFrameDTS(FrameType type, uint32_t bytesBefore) const {
-    const bool excluding = mInfo.mIsExcludingInvalidData;
+    const bool excluding = mTrack.info.mIsExcludingInvalidData;
     const int64_t index =
-        int64_t{mCurrentSampleIndex} - 1 - (excluding ? mInfo.mInvalidSampleIdx : 0);
+        int64_t{mCurrentSampleIndex} - 1 - (excluding ? mTrack.info.mInvalidSampleIdx : 0);
     int64_t timeUs = 0;
-    if (mIsAudio) {
-        timeUs = audioTimeUs(index, wrapSub32(bytesBefore, excluding ? mInfo.mInvalidDataSize : 0));
-    } else if (mIsVideo) {
+    if (mTrack.isAudio) {
+        timeUs = audioTimeUs(index,
+                             wrapSub32(bytesBefore, excluding ? mTrack.info.mInvalidDataSize : 0));
+    } else if (mTrack.isVideo) {
         // A frame is shown after the B-frames stored behind it, which move one place forward.
         const int64_t place =
             type == FrameType::kBidirectional ? index - 1 : index + followingBFrames();
-        timeUs = unitsToUs(place, mInfo.mScale, mInfo.mRate);
+        timeUs = unitsToUs(place, mTrack.info.mScale, mTrack.info.mRate);
     }
     return std::max<int64_t>(timeUs, 0);
 }
@@ -62,14 +63,14 @@ int64_t RuvoAVISource::calculateFrameDTS(FrameType type, uint32_t bytesBefore) c
 // `bytesBefore` counts as a signed 32-bit number.
 int64_t RuvoAVISource::audioTimeUs(int64_t index, uint32_t bytesBefore) const {
     const int64_t bytes = static_cast<int32_t>(bytesBefore);
-    if (mInfo.mSampleSize == 0) {
-        return mulDiv(mDurationUs, index, static_cast<int64_t>(mTable->size()));
+    if (mTrack.info.mSampleSize == 0) {
+        return mulDiv(mTrack.durationUs, index, static_cast<int64_t>(mTrack.table.size()));
     }
-    if (mInfo.mIsRawAACData) {
-        return mInfo.mIsVBRWise ? unitsToUs(index, mInfo.mScale, mInfo.mRate)
-                                : mulDiv(bytes, kUsPerSecond, mInfo.mAvgBytesPerSec);
+    if (mTrack.info.mIsRawAACData) {
+        return mTrack.info.mIsVBRWise ? unitsToUs(index, mTrack.info.mScale, mTrack.info.mRate)
+                                      : mulDiv(bytes, kUsPerSecond, mTrack.info.mAvgBytesPerSec);
     }
-    return unitsToUs(bytes, mInfo.mScale, mInfo.mRate) / mInfo.mSampleSize;
+    return unitsToUs(bytes, mTrack.info.mScale, mTrack.info.mRate) / mTrack.info.mSampleSize;
 }
 
 }  // namespace android

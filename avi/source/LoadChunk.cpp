@@ -25,16 +25,16 @@ media_status_t RuvoAVISource::loadChunk(Chunk* chunk) {
     size_t insertedBytes = 0;
     bool loaded = false;
     beginRead();
-    if (mIsWVC1) {
+    if (mTrack.isWvc1) {
         loaded = loadVc1(chunk, &insertedBytes);
-    } else if (mIsAVC && mInfo.mAVCStyle == 0 && mInfo.mAVCSizeLength >= 1) {
+    } else if (mTrack.isAvc && mTrack.info.mAVCStyle == 0 && mTrack.info.mAVCSizeLength >= 1) {
         loaded = loadLengthPrefixed(*chunk);
     } else {
         loaded = loadPlain(*chunk, 0);
     }
     if (!loaded) return shortRead(*chunk, __LINE__);
     mBuffer->set_range(0, insertedBytes + chunk->size);
-    if (!mIsAudio) {
+    if (!mTrack.isAudio) {
         chunk->isTyped = true;
         chunk->type =
             getFrameType(static_cast<const uint8_t*>(mBuffer->data()), insertedBytes + chunk->size);
@@ -46,7 +46,7 @@ media_status_t RuvoAVISource::loadChunk(Chunk* chunk) {
 bool RuvoAVISource::loadPlain(const Chunk& chunk, size_t position) {
     if (position > mBufferCapacity || chunk.size > mBufferCapacity - position) return false;
     uint8_t* data = static_cast<uint8_t*>(mBuffer->data()) + position;
-    return mReader.readExactly(chunk.offset, data, chunk.size);
+    return mTrack.reader.readExactly(chunk.offset, data, chunk.size);
 }
 
 // VC-1 decoders find frames by their start codes, which most writers leave out. The frame header
@@ -55,7 +55,7 @@ bool RuvoAVISource::loadVc1(Chunk* chunk, size_t* insertedBytes) {
     if (mBufferCapacity < kStartCodeSize) return false;
     uint8_t bytes[kVc1ProbeBytes] = {};
     const size_t probed = std::min<size_t>(chunk->size, sizeof(bytes));
-    if (!mReader.readExactly(chunk->offset, bytes, probed)) return false;
+    if (!mTrack.reader.readExactly(chunk->offset, bytes, probed)) return false;
     const Vc1Frame frame = probeVc1Frame(bytes);
     chunk->isSync = frame.isSync;
     if (!frame.hasStartCode) {
@@ -68,11 +68,11 @@ bool RuvoAVISource::loadVc1(Chunk* chunk, size_t* insertedBytes) {
 // Decoders take start codes. The published length stays that of the chunk, which is exact for the
 // usual prefixes of four bytes.
 bool RuvoAVISource::loadLengthPrefixed(const Chunk& chunk) {
-    const int64_t size = mReader.askSize();
+    const int64_t size = mTrack.reader.askSize();
     if (chunk.size > mBufferCapacity || (size > 0 && chunk.offset + chunk.size > size))
         return false;
     const std::unique_ptr<uint8_t[]> sample(new (std::nothrow) uint8_t[chunk.size]);
-    if (sample == nullptr || !mReader.readExactly(chunk.offset, sample.get(), chunk.size)) {
+    if (sample == nullptr || !mTrack.reader.readExactly(chunk.offset, sample.get(), chunk.size)) {
         return false;
     }
     dumpData(sample.get(), chunk.size, kNoTime, static_cast<uint32_t>(chunk.index));
@@ -89,7 +89,7 @@ size_t RuvoAVISource::convertLengthPrefixed(const Chunk& chunk, const uint8_t* s
     unsigned number = 1;
     unsigned logged = 0;
     PrefixedNal unit;
-    PrefixedNalReader units(sample, chunk.size, static_cast<size_t>(mInfo.mAVCSizeLength));
+    PrefixedNalReader units(sample, chunk.size, static_cast<size_t>(mTrack.info.mAVCSizeLength));
     while (units.next(&unit)) {
         if (logged < kLoggedUnits && isEnableLogOutput()) {
             ++logged;
@@ -122,9 +122,9 @@ void RuvoAVISource::logNal(int priority, const Chunk& chunk, const uint8_t* samp
 
 // The platform's audio path takes 16 bits.
 media_status_t RuvoAVISource::convertPcm(const Chunk& chunk) {
-    if (!mIsRawPCM) return AMEDIA_OK;
+    if (!mTrack.isRawPcm) return AMEDIA_OK;
     uint8_t* data = static_cast<uint8_t*>(mBuffer->data());
-    switch (mInfo.mBitsPerSample) {
+    switch (mTrack.info.mBitsPerSample) {
         case 32:
             mBuffer->set_range(0, narrowPcm32(data, chunk.size));
             return AMEDIA_OK;

@@ -190,12 +190,12 @@ void RuvoAVISource::logWholeChunk(const Chunk& loaded) const {
 // is what the read answered.
 status_t RuvoAVISource::readNextChunk(uint8_t* dst, size_t wanted, ssize_t* got) {
     const size_t i = mCurrentSampleIndex;
-    if (i >= mTable->size()) {
+    if (i >= mTrack.table.size()) {
         fail("readNextChunk", ERROR_END_OF_STREAM, __LINE__);
         return ERROR_END_OF_STREAM;
     }
-    const size_t size = std::min<size_t>(mTable->chunkSize(i), wanted);
-    *got = mReader.readAt(mTable->offset(i), dst, size);
+    const size_t size = std::min<size_t>(mTrack.table.chunkSize(i), wanted);
+    *got = mTrack.reader.readAt(mTrack.table.offset(i), dst, size);
     if (*got == static_cast<ssize_t>(size)) return OK;
     fail("readNextChunk", ERROR_IO, __LINE__);
     return ERROR_IO;

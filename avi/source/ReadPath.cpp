@@ -15,7 +15,7 @@ media_status_t RuvoAVISource::read(MediaBufferHelper** out, const ReadOptions* o
     const std::lock_guard<std::mutex> lock(mLock);
     AVI_CHECK(mStarted);
     *out = nullptr;
-    if (mTable->size() == 0) return endOfStream(prefix(), __LINE__);
+    if (mTrack.table.size() == 0) return endOfStream(prefix(), __LINE__);
 
     Seek request;
     int64_t seekTimeUs = 0;
@@ -25,7 +25,7 @@ media_status_t RuvoAVISource::read(MediaBufferHelper** out, const ReadOptions* o
         err = seek(seekTimeUs, mode, &request);
         if (err != AMEDIA_OK) return err;
     }
-    mCurrentSampleIndex = std::max(mCurrentSampleIndex, mInfo.mInvalidSampleIdx);
+    mCurrentSampleIndex = std::max(mCurrentSampleIndex, mTrack.info.mInvalidSampleIdx);
     if (mCutter.isActive()) return readMpegAudioFrame(request, out);
 
     Chunk chunk;
@@ -36,7 +36,7 @@ media_status_t RuvoAVISource::read(MediaBufferHelper** out, const ReadOptions* o
     if (request.requested) shareSeekTime(chunk, timeUs);
     err = convertPcm(chunk);
     if (err != AMEDIA_OK) return err;
-    publishMetaData(mBuffer, timeUs, chunk.isSync || mIsAudio);
+    publishMetaData(mBuffer, timeUs, chunk.isSync || mTrack.isAudio);
     if (request.targetUs >= 0) {
         AMediaFormat_setInt64(mBuffer->meta_data(), AMEDIAFORMAT_KEY_TARGET_TIME, request.targetUs);
     }
@@ -52,15 +52,15 @@ media_status_t RuvoAVISource::loadNextChunk(Chunk* chunk) {
 
 // Takes the next chunk off the table. Empty chunks are skipped, but for streams that count bytes.
 bool RuvoAVISource::nextChunk(Chunk* out) {
-    const bool countsBytes = mInfo.mSampleSize != 0;
-    while (mCurrentSampleIndex < mTable->size()) {
+    const bool countsBytes = mTrack.info.mSampleSize != 0;
+    while (mCurrentSampleIndex < mTrack.table.size()) {
         const size_t i = mCurrentSampleIndex++;
         out->isLoaded = true;
         out->index = i;
-        out->offset = mTable->offset(i);
-        out->size = mTable->chunkSize(i);
-        out->bytesBefore = mTable->bytesBefore(i);
-        out->isSync = mIsVideo && !countsBytes && mTable->syncFlag(i) != 0;
+        out->offset = mTrack.table.offset(i);
+        out->size = mTrack.table.chunkSize(i);
+        out->bytesBefore = mTrack.table.bytesBefore(i);
+        out->isSync = mTrack.isVideo && !countsBytes && mTrack.table.syncFlag(i) != 0;
         if (out->size != 0 || countsBytes) return true;
     }
     return false;
@@ -99,8 +99,8 @@ media_status_t RuvoAVISource::returnBuffer(MediaBufferHelper** out, MediaBufferH
     *out = buffer;
     if (!isEnableLogOutput()) return AMEDIA_OK;
     const uint32_t index = mCurrentSampleIndex - 1;
-    AVI_LOGD("[%s][%u][%u] mBuffer meta data: %s", mMime.c_str(), mInfo.mStreamIndex, index,
-             AMediaFormat_toString(buffer->meta_data()));
+    AVI_LOGD("[%s][%u][%u] mBuffer meta data: %s", mTrack.mime.c_str(), mTrack.info.mStreamIndex,
+             index, AMediaFormat_toString(buffer->meta_data()));
     dumpData(static_cast<const uint8_t*>(buffer->data()) + buffer->range_offset(),
              buffer->range_length(), timeUs, index);
     return AMEDIA_OK;
@@ -109,14 +109,14 @@ media_status_t RuvoAVISource::returnBuffer(MediaBufferHelper** out, MediaBufferH
 // No second buffer, or no data for it: what was loaded is lost.
 media_status_t RuvoAVISource::bufferFailure(const Chunk& chunk, int line) {
     releaseBuffer();
-    return mReader.askSize() < 1 ? endOfStream(prefix(chunk), line)
-                                 : unknownError(prefix(chunk), line);
+    return mTrack.reader.askSize() < 1 ? endOfStream(prefix(chunk), line)
+                                       : unknownError(prefix(chunk), line);
 }
 
 // A chunk that the file does not hold ends the stream: the rest of the file is missing.
 media_status_t RuvoAVISource::shortRead(const Chunk& chunk, int line) {
     releaseBuffer();
-    const bool atFileEnd = mReader.askSize() <= chunk.offset + chunk.size;
+    const bool atFileEnd = mTrack.reader.askSize() <= chunk.offset + chunk.size;
     return atFileEnd ? endOfStream(prefix(chunk), line) : unknownError(prefix(chunk), line);
 }
 
@@ -132,17 +132,17 @@ media_status_t RuvoAVISource::unknownError(const std::string& prefix, int line) 
 }
 
 std::string RuvoAVISource::prefix() const {
-    return "[" + mMime + "][" + std::to_string(mInfo.mStreamIndex) + "]";
+    return "[" + mTrack.mime + "][" + std::to_string(mTrack.info.mStreamIndex) + "]";
 }
 
 // What stands in front of a log line about a chunk. Joined chunks are told without the type.
 std::string RuvoAVISource::prefix(const Chunk& chunk) const {
     if (!chunk.isLoaded) return prefix();
     const std::string track =
-        chunk.isJoined ? "[" + std::to_string(mInfo.mStreamIndex) + "]" : prefix();
+        chunk.isJoined ? "[" + std::to_string(mTrack.info.mStreamIndex) + "]" : prefix();
     std::string text =
-        track + "[" + std::to_string(chunk.index) + "/" + std::to_string(mTable->size()) + "]";
-    if (!mIsVideo || !chunk.isTyped) return text;
+        track + "[" + std::to_string(chunk.index) + "/" + std::to_string(mTrack.table.size()) + "]";
+    if (!mTrack.isVideo || !chunk.isTyped) return text;
     return text + "[" + frameTypeText(chunk.type) + "]";
 }
 

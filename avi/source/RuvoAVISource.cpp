@@ -3,13 +3,10 @@
 // The source's life: construction over a track, start, stop.
 #include "source/RuvoAVISource.h"
 
-#include <media/stagefright/foundation/MediaDefs.h>
-
 #include <algorithm>
 
 #include "support/Check.h"
 #include "support/Log.h"
-#include "support/Mime.h"
 
 namespace android {
 
@@ -20,20 +17,6 @@ constexpr size_t kInitialBuffers = 2;
 constexpr uint32_t kMaxBuffers = 8;
 constexpr uint32_t kStartCodeRoom = 4;  // reading may put a start code in front of a sample
 
-std::string mimeOf(AMediaFormat* format) {
-    const char* mime = nullptr;
-    const bool success = AMediaFormat_getString(format, AMEDIAFORMAT_KEY_MIME, &mime);
-    AVI_CHECK(success);
-    return mime;
-}
-
-// ADPCM is cut and timed in blocks, whatever sample size the stream header claims.
-uint32_t readSampleSize(const TrackInfo& info, const char* mime) {
-    const bool isAdpcm = isMime(mime, MEDIA_MIMETYPE_AUDIO_DVI_IMA_ADPCM) ||
-                         isMime(mime, MEDIA_MIMETYPE_AUDIO_MS_ADPCM);
-    return isAdpcm && info.mBlockAlign != 0 ? info.mBlockAlign : info.mSampleSize;
-}
-
 media_status_t startFailure(int line) {
     fail("start", AMEDIA_ERROR_MALFORMED, line);
     return AMEDIA_ERROR_MALFORMED;
@@ -41,31 +24,13 @@ media_status_t startFailure(int line) {
 
 }  // namespace
 
-RuvoAVISource::RuvoAVISource(AMediaFormat* format, const FileReader& reader, const TrackInfo& info,
-                             SampleTable* table, const Vector<sp<RuvoAVISeekTime>>& seekTimes,
-                             std::mutex* formatLock)
-    : mFormat(format),
-      mFormatLock(formatLock),
-      mReader(reader),
-      mInfo(info),
-      mTable(table),
+RuvoAVISource::RuvoAVISource(Track* track, const FileReader& reader,
+                             const Vector<sp<RuvoAVISeekTime>>& seekTimes)
+    : mFormat(track->meta.get()),
+      mFormatLock(&track->mFormatLock),
+      mTrack(track, reader),
       mAudioSeekTimes(seekTimes),
-      mCutter(info) {
-    const std::lock_guard<std::mutex> lock(*mFormatLock);
-    mMime = mimeOf(mFormat);
-    const char* mime = mMime.c_str();
-    if (!mInfo.mIsSubtitle) {
-        AMediaFormat_getInt64(mFormat, AMEDIAFORMAT_KEY_DURATION, &mDurationUs);
-    }
-    mInfo.mSampleSize = readSampleSize(mInfo, mime);
-    mIsAudio = mInfo.mFccType == fourcc("auds") || mInfo.mFccType == fourcc("midi");
-    mIsVideo = !mIsAudio && !mInfo.mIsSubtitle;
-    mIsAVC = isMime(mime, MEDIA_MIMETYPE_VIDEO_AVC);
-    mIsHEVC = isMime(mime, MEDIA_MIMETYPE_VIDEO_HEVC);
-    mIsRawPCM = isMime(mime, MEDIA_MIMETYPE_AUDIO_RAW);
-    mIsMPEG4 = isMime(mime, MEDIA_MIMETYPE_VIDEO_MPEG4);
-    mIsWVC1 = mInfo.mCompression == fourcc("WVC1");
-}
+      mCutter(mTrack.info) {}
 
 RuvoAVISource::~RuvoAVISource() {
     if (mStarted) RuvoAVISource::stop();
@@ -99,7 +64,8 @@ media_status_t RuvoAVISource::start() {
 
 // Reading may make a sample larger. REQUIRES: largest <= kMaxBufferBytes.
 uint32_t RuvoAVISource::bufferSizeFor(uint32_t largest) const {
-    if (mIsRawPCM && mInfo.mBitsPerSample == 8) return 2 * largest;  // widened to 16 bits
+    if (mTrack.isRawPcm && mTrack.info.mBitsPerSample == 8)
+        return 2 * largest;                      // widened to 16 bits
     if (mCutter.isActive()) return 4 * largest;  // frames that span chunks, rests in front of one
     return largest + kStartCodeRoom;
 }

@@ -14,21 +14,18 @@
 #include <mutex>
 #include <string>
 
-#include "FileReader.h"
-#include "Track.h"
 #include "source/Conversions.h"
 #include "source/FrameType.h"
 #include "source/MpegAudioCutter.h"
+#include "source/SourceTrack.h"
 
 namespace android {
 
 class RuvoAVISource : public MediaTrackHelper {
   public:
-    // All arguments belong to the extractor, which outlives its sources. `formatLock` guards
-    // `format`. What is needed of `info` is copied now.
-    RuvoAVISource(AMediaFormat* format, const FileReader& reader, const TrackInfo& info,
-                  SampleTable* table, const Vector<sp<RuvoAVISeekTime>>& seekTimes,
-                  std::mutex* formatLock);
+    // All arguments belong to the extractor, which outlives its sources.
+    RuvoAVISource(Track* track, const FileReader& reader,
+                  const Vector<sp<RuvoAVISeekTime>>& seekTimes);
     ~RuvoAVISource() override;
 
     // Prepares the buffers. AMEDIA_ERROR_MALFORMED when the track's largest sample is unknown, 0 or
@@ -148,29 +145,14 @@ class RuvoAVISource : public MediaTrackHelper {
     void beginRead();
     void dumpData(const uint8_t* data, size_t size, int64_t timeUs, uint32_t index);
     std::string readInformation(int64_t timeUs, size_t size);
-    int32_t trackBitRate() const;
     void logChunk(const Chunk& chunk, int64_t timeUs, const Seek& seek) const;
     void logFrame(const std::string& prefix) const;
 
     std::mutex mLock;
-    AMediaFormat* mFormat;      // not owned; touched only with *mFormatLock held
-    std::mutex* mFormatLock;    // not owned
-    const FileReader& mReader;  // not owned
-    TrackInfo mInfo;
-    SampleTable* mTable;                                 // not owned
+    AMediaFormat* mFormat;    // not owned; touched only with *mFormatLock held
+    std::mutex* mFormatLock;  // not owned
+    const SourceTrack mTrack;
     const Vector<sp<RuvoAVISeekTime>>& mAudioSeekTimes;  // not owned
-
-    // Asking a format for a string writes to it, so the type is asked for once, before any other
-    // thread can copy the format.
-    std::string mMime;
-    int64_t mDurationUs = 0;
-    bool mIsVideo = false;
-    bool mIsAudio = false;
-    bool mIsRawPCM = false;
-    bool mIsMPEG4 = false;
-    bool mIsAVC = false;
-    bool mIsHEVC = false;
-    bool mIsWVC1 = false;
 
     bool mStarted = false;
     uint32_t mBufferSize = 0;  // as asked of the group: buffers may report more than is usable

@@ -33,9 +33,9 @@ media_status_t RuvoAVISource::seek(int64_t requestedUs, SeekMode mode, Seek* out
     mChunkConsumed = 0;
     restartDumps();
     releaseBuffer();
-    if (mIsAudio) {
+    if (mTrack.isAudio) {
         const int64_t landingUs =
-            getAudioSeekTimeByTrackId(static_cast<int32_t>(mInfo.mStreamIndex));
+            getAudioSeekTimeByTrackId(static_cast<int32_t>(mTrack.info.mStreamIndex));
         if (landingUs >= 0 && requestedUs > 0) {
             out->timeUs = landingUs;
             AVI_TRACE("%s get Audio seekTime @%lld.%03llds @L%d", prefix().c_str(),
@@ -53,21 +53,21 @@ media_status_t RuvoAVISource::seek(int64_t requestedUs, SeekMode mode, Seek* out
 
 // After the first sample of a seek.
 void RuvoAVISource::shareSeekTime(const Chunk& chunk, int64_t landingUs) {
-    if (strncasecmp(mMime.c_str(), "video/", 6) == 0) {
+    if (strncasecmp(mTrack.mime.c_str(), "video/", 6) == 0) {
         setAllAudioSeekTime(landingUs);
         AVI_TRACE("%s set seekTime @%lld.%03llds for audio track(s).@L%d", prefix(chunk).c_str(),
                   wholeSeconds(landingUs), milliseconds(landingUs), __LINE__);
-    } else if (strncasecmp(mMime.c_str(), "audio/", 6) == 0) {
-        setAudioSeekTimeByTrackId(static_cast<int32_t>(mInfo.mStreamIndex), kNoSeekTime);
+    } else if (strncasecmp(mTrack.mime.c_str(), "audio/", 6) == 0) {
+        setAudioSeekTimeByTrackId(static_cast<int32_t>(mTrack.info.mStreamIndex), kNoSeekTime);
         AVI_TRACE("%s reset seekTime to -1 after seeking.@L%d", prefix(chunk).c_str(), __LINE__);
     }
 }
 
 status_t RuvoAVISource::getSampleIndexBySeekTime(int64_t timeUs, SeekMode mode, int32_t* index,
                                                  int64_t* targetUs) {
-    if (mInfo.mBlockMode) return seekBlocks(timeUs, index);
-    if (mIsVideo) return seekVideo(timeUs, mode, index, targetUs);
-    if (mIsAudio) return seekAudio(timeUs, index);
+    if (mTrack.info.mBlockMode) return seekBlocks(timeUs, index);
+    if (mTrack.isVideo) return seekVideo(timeUs, mode, index, targetUs);
+    if (mTrack.isAudio) return seekAudio(timeUs, index);
     *index = 0;  // subtitles carry their times in their data
     return OK;
 }
@@ -79,9 +79,9 @@ status_t RuvoAVISource::beyondEnd(int line) const {
 
 status_t RuvoAVISource::seekVideo(int64_t timeUs, SeekMode mode, int32_t* index,
                                   int64_t* targetUs) {
-    const auto last = static_cast<int32_t>(mTable->size()) - 1;
-    int32_t calculated = unitAtTime(timeUs, mInfo.mScale, mInfo.mRate);
-    AVI_LOGD("[%s] Calculated sample index %d @seekTime%lldus", mMime.c_str(), calculated,
+    const auto last = static_cast<int32_t>(mTrack.table.size()) - 1;
+    int32_t calculated = unitAtTime(timeUs, mTrack.info.mScale, mTrack.info.mRate);
+    AVI_LOGD("[%s] Calculated sample index %d @seekTime%lldus", mTrack.mime.c_str(), calculated,
              ll(timeUs));
     if (mode == SeekMode::SEEK_NEXT_SYNC) {
         if (!findNextSync(calculated, last, index)) return beyondEnd(__LINE__);
@@ -91,10 +91,10 @@ status_t RuvoAVISource::seekVideo(int64_t timeUs, SeekMode mode, int32_t* index,
     }
     if (mode == SeekMode::SEEK_CLOSEST) {
         // The decoder drops what lies between the key frame and the frame that was asked for.
-        *targetUs = unitsToUs(calculated, mInfo.mScale, mInfo.mRate);
+        *targetUs = unitsToUs(calculated, mTrack.info.mScale, mTrack.info.mRate);
     }
-    AVI_LOGD("[%s] seekTo sync index %d/%d nearby seekTime %lldus", mMime.c_str(), *index, last + 1,
-             ll(timeUs));
+    AVI_LOGD("[%s] seekTo sync index %d/%d nearby seekTime %lldus", mTrack.mime.c_str(), *index,
+             last + 1, ll(timeUs));
     return OK;
 }
 
@@ -111,7 +111,7 @@ int32_t RuvoAVISource::findPreviousSync(int32_t from) {
     for (int32_t i = from; i >= 0; --i) {
         if (landsOn(i, "index: ")) return i;
     }
-    AVI_LOGW("[%s] found no prev sync frame", mMime.c_str());
+    AVI_LOGW("[%s] found no prev sync frame", mTrack.mime.c_str());
     return 0;
 }
 
@@ -119,25 +119,25 @@ int32_t RuvoAVISource::findPreviousSync(int32_t from) {
 // `label` is how the log line names the index.
 bool RuvoAVISource::landsOn(int32_t i, const char* label) {
     const auto at = static_cast<size_t>(i);
-    const int8_t flag = mTable->syncFlag(at);
+    const int8_t flag = mTrack.table.syncFlag(at);
     if (flag == 0) return false;
-    if (!mInfo.mBrokenIndex || flag < 0) {
-        AVI_LOGD("[%s] seek mBrokenIndex:%d -- isSyncSample:%d, %s%d @L%d", mMime.c_str(),
-                 mInfo.mBrokenIndex, flag, label, i, __LINE__);
+    if (!mTrack.info.mBrokenIndex || flag < 0) {
+        AVI_LOGD("[%s] seek mBrokenIndex:%d -- isSyncSample:%d, %s%d @L%d", mTrack.mime.c_str(),
+                 mTrack.info.mBrokenIndex, flag, label, i, __LINE__);
         return true;
     }
     if (!fixSyncSample(at)) return false;
-    AVI_LOGD("[%s] seek sync index: %d @L%d", mMime.c_str(), i, __LINE__);
+    AVI_LOGD("[%s] seek sync index: %d @L%d", mTrack.mime.c_str(), i, __LINE__);
     return true;
 }
 
 // Corrects the key flag of a sample by its data; the table keeps what was found.
 bool RuvoAVISource::fixSyncSample(size_t i) {
-    const bool isEmpty = mTable->chunkSize(i) == 0;
+    const bool isEmpty = mTrack.table.chunkSize(i) == 0;
     FrameType type = FrameType::kUnknown;
     const bool isSync = !isEmpty && probeFrame(i, &type) && isSyncFrame(type);
     if (isSync) AVI_TRACE("fixSyncSample at %d", static_cast<int>(i));
-    mTable->correctSyncFlag(i, isSync);
+    mTrack.table.correctSyncFlag(i, isSync);
     return isSync;
 }
 
@@ -148,41 +148,43 @@ bool RuvoAVISource::isSyncFrame(FrameType type) {
 
 // Lands inside a chunk, at a whole block.
 status_t RuvoAVISource::seekBlocks(int64_t timeUs, int32_t* index) {
-    const int32_t blocks = unitAtTime(timeUs, mInfo.mScale, mInfo.mRate);
-    AVI_LOGD("[%s] Calculated seekBlocks %d @seekTime %lldus", mMime.c_str(), blocks, ll(timeUs));
-    const size_t k =
-        firstBeyond(mTable->size(), blocks, [this](size_t i) { return mTable->blocksThrough(i); });
-    if (k >= mTable->size()) return beyondEnd(__LINE__);
-    const auto before = static_cast<uint32_t>(k == 0 ? 0 : mTable->blocksThrough(k - 1));
-    mChunkConsumed = wrapMul32(mInfo.mBlockAlign, wrapSub32(static_cast<uint32_t>(blocks), before));
-    AVI_LOGD("[%s] seek blocks %d block offset %x", mMime.c_str(), blocks, mChunkConsumed);
+    const int32_t blocks = unitAtTime(timeUs, mTrack.info.mScale, mTrack.info.mRate);
+    AVI_LOGD("[%s] Calculated seekBlocks %d @seekTime %lldus", mTrack.mime.c_str(), blocks,
+             ll(timeUs));
+    const size_t k = firstBeyond(mTrack.table.size(), blocks,
+                                 [this](size_t i) { return mTrack.table.blocksThrough(i); });
+    if (k >= mTrack.table.size()) return beyondEnd(__LINE__);
+    const auto before = static_cast<uint32_t>(k == 0 ? 0 : mTrack.table.blocksThrough(k - 1));
+    mChunkConsumed =
+        wrapMul32(mTrack.info.mBlockAlign, wrapSub32(static_cast<uint32_t>(blocks), before));
+    AVI_LOGD("[%s] seek blocks %d block offset %x", mTrack.mime.c_str(), blocks, mChunkConsumed);
     *index = static_cast<int32_t>(k);
     return OK;
 }
 
 status_t RuvoAVISource::seekAudio(int64_t timeUs, int32_t* index) {
-    const bool isOneFrameAChunk = mInfo.mIsRawAACData && mInfo.mIsVBRWise;
+    const bool isOneFrameAChunk = mTrack.info.mIsRawAACData && mTrack.info.mIsVBRWise;
     size_t found = 0;
-    if (mInfo.mSampleSize == 0) {
-        found = static_cast<size_t>(chunkAtTime(timeUs, mDurationUs, mTable->size()));
-        AVI_LOGD("[%s] seekTo index %d nearby seekTime %lldus @L%d", mMime.c_str(),
+    if (mTrack.info.mSampleSize == 0) {
+        found = static_cast<size_t>(chunkAtTime(timeUs, mTrack.durationUs, mTrack.table.size()));
+        AVI_LOGD("[%s] seekTo index %d nearby seekTime %lldus @L%d", mTrack.mime.c_str(),
                  static_cast<int>(found), ll(timeUs), __LINE__);
     } else if (isOneFrameAChunk) {
-        found = static_cast<size_t>(frameAtTime(timeUs, mInfo.mScale, mInfo.mRate));
+        found = static_cast<size_t>(frameAtTime(timeUs, mTrack.info.mScale, mTrack.info.mRate));
     } else {
         found = seekBytes(timeUs);
     }
-    if (found >= mTable->size()) return beyondEnd(__LINE__);
+    if (found >= mTrack.table.size()) return beyondEnd(__LINE__);
     *index = static_cast<int32_t>(found);
     return OK;
 }
 
 // The chunk that holds the time, by the running totals of the table.
 size_t RuvoAVISource::seekBytes(int64_t timeUs) const {
-    return firstBeyond(mTable->size(), timeUs, [&](size_t i) {
-        const int64_t endUs = byteTimeUs(mTable->bytesThrough(i));
+    return firstBeyond(mTrack.table.size(), timeUs, [&](size_t i) {
+        const int64_t endUs = byteTimeUs(mTrack.table.bytesThrough(i));
         if (endUs > timeUs) {
-            AVI_LOGD("[%s] seekTo index %d/%lld nearby seekTime %lldus @L%d", mMime.c_str(),
+            AVI_LOGD("[%s] seekTo index %d/%lld nearby seekTime %lldus @L%d", mTrack.mime.c_str(),
                      static_cast<int>(i), ll(endUs), ll(timeUs), __LINE__);
         }
         return endUs;
@@ -191,22 +193,22 @@ size_t RuvoAVISource::seekBytes(int64_t timeUs) const {
 
 // Time at which `bytes` of the stream have been played.
 int64_t RuvoAVISource::byteTimeUs(int64_t bytes) const {
-    if (mInfo.mIsRawAACData && mInfo.mAvgBytesPerSec != 0) {
-        return mulDiv(bytes, kUsPerSecond, mInfo.mAvgBytesPerSec);
+    if (mTrack.info.mIsRawAACData && mTrack.info.mAvgBytesPerSec != 0) {
+        return mulDiv(bytes, kUsPerSecond, mTrack.info.mAvgBytesPerSec);
     }
-    return unitsToUs(bytes, mInfo.mScale, mInfo.mRate) / mInfo.mSampleSize;
+    return unitsToUs(bytes, mTrack.info.mScale, mTrack.info.mRate) / mTrack.info.mSampleSize;
 }
 
 int64_t RuvoAVISource::getAudioSeekTimeByTrackId(int32_t trackId) const {
     for (size_t i = 0; i < mAudioSeekTimes.size(); ++i) {
         const sp<RuvoAVISeekTime> record = mAudioSeekTimes[i];
         const int64_t timeUs = record->mSeekTimeUs;
-        AVI_LOGV("[%s][%d] VS [%d seekTimeUs %lld]", mMime.c_str(), trackId, record->mTrackId,
+        AVI_LOGV("[%s][%d] VS [%d seekTimeUs %lld]", mTrack.mime.c_str(), trackId, record->mTrackId,
                  ll(timeUs));
         if (record->mTrackId == trackId) return timeUs;
     }
-    AVI_LOGE("%s(%s): seekTime of track %d not found!", "getAudioSeekTimeByTrackId", mMime.c_str(),
-             trackId);
+    AVI_LOGE("%s(%s): seekTime of track %d not found!", "getAudioSeekTimeByTrackId",
+             mTrack.mime.c_str(), trackId);
     return kNoSeekTime;
 }
 
@@ -214,14 +216,14 @@ void RuvoAVISource::setAllAudioSeekTime(int64_t timeUs) {
     for (size_t i = 0; i < mAudioSeekTimes.size(); ++i) {
         const sp<RuvoAVISeekTime> record = mAudioSeekTimes[i];
         record->mSeekTimeUs = timeUs;
-        AVI_LOGV("[%s][%d] set seekTimeUs %lld", mMime.c_str(), record->mTrackId, ll(timeUs));
+        AVI_LOGV("[%s][%d] set seekTimeUs %lld", mTrack.mime.c_str(), record->mTrackId, ll(timeUs));
     }
 }
 
 void RuvoAVISource::setAudioSeekTimeByTrackId(int32_t trackId, int64_t timeUs) {
     for (size_t i = 0; i < mAudioSeekTimes.size(); ++i) {
         const sp<RuvoAVISeekTime> record = mAudioSeekTimes[i];
-        AVI_LOGV("[[%s][%d] seekTimeUs %lld] VS [%d]", mMime.c_str(), trackId, ll(timeUs),
+        AVI_LOGV("[[%s][%d] seekTimeUs %lld] VS [%d]", mTrack.mime.c_str(), trackId, ll(timeUs),
                  record->mTrackId);
         if (record->mTrackId != trackId) continue;
         record->mSeekTimeUs = timeUs;
