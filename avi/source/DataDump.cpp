@@ -122,8 +122,8 @@ void RuvoAVISource::logChunk(const Chunk& chunk, int64_t timeUs, const Seek& see
 // The data in mBuffer, described by its MPEG-4 start code where it is short enough to be shown
 // whole. Of a subtitle the times are shown, as text too.
 void RuvoAVISource::logFrame(const std::string& prefix) const {
-    const auto* data = static_cast<const uint8_t*>(mBuffer->data()) + mBuffer->range_offset();
-    const size_t size = mBuffer->range_length();
+    const uint8_t* data = mBuffer.rangeStart();
+    const size_t size = mBuffer.rangeLength();
     if (size > kWholeFrame && !mTrack.info.mIsSubtitle) {
         AVI_LOGD("%s %s(SZ: %zu)", prefix.c_str(),
                  endsOf(data, size, kFrameEnds, kFrameEnds).c_str(), size);

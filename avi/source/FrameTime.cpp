@@ -40,7 +40,7 @@ int64_t RuvoAVISource::followingBFrames() const {
 
 int64_t RuvoAVISource::sampleTimeUs(const Chunk& chunk) const {
     if (!mTrack.info.mIsSubtitle) return calculateFrameDTS(chunk.type, chunk.bytesBefore);
-    return getSubtitleDts(static_cast<const uint8_t*>(mBuffer->data()), chunk.size);
+    return getSubtitleDts(mBuffer.data(), chunk.size);
 }
 
 int64_t RuvoAVISource::calculateFrameDTS(FrameType type, uint32_t bytesBefore) const {

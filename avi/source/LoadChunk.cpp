@@ -33,33 +33,32 @@ media_status_t RuvoAVISource::loadChunk(Chunk* chunk) {
         loaded = loadPlain(*chunk, 0);
     }
     if (!loaded) return shortRead(*chunk, __LINE__);
-    mBuffer->set_range(0, insertedBytes + chunk->size);
+    mBuffer.setRange(0, insertedBytes + chunk->size);
     if (!mTrack.isAudio) {
         chunk->isTyped = true;
-        chunk->type =
-            getFrameType(static_cast<const uint8_t*>(mBuffer->data()), insertedBytes + chunk->size);
+        chunk->type = getFrameType(mBuffer.data(), insertedBytes + chunk->size);
     }
     return AMEDIA_OK;
 }
 
 // The common case: one read, straight into the buffer, from `position` on.
 bool RuvoAVISource::loadPlain(const Chunk& chunk, size_t position) {
-    if (position > mBufferCapacity || chunk.size > mBufferCapacity - position) return false;
-    uint8_t* data = static_cast<uint8_t*>(mBuffer->data()) + position;
+    if (position > mBuffer.capacity() || chunk.size > mBuffer.capacity() - position) return false;
+    uint8_t* data = mBuffer.data() + position;
     return mTrack.reader.readExactly(chunk.offset, data, chunk.size);
 }
 
 // VC-1 decoders find frames by their start codes, which most writers leave out. The frame header
 // tells key frames better than the index.
 bool RuvoAVISource::loadVc1(Chunk* chunk, size_t* insertedBytes) {
-    if (mBufferCapacity < kStartCodeSize) return false;
+    if (mBuffer.capacity() < kStartCodeSize) return false;
     uint8_t bytes[kVc1ProbeBytes] = {};
     const size_t probed = std::min<size_t>(chunk->size, sizeof(bytes));
     if (!mTrack.reader.readExactly(chunk->offset, bytes, probed)) return false;
     const Vc1Frame frame = probeVc1Frame(bytes);
     chunk->isSync = frame.isSync;
     if (!frame.hasStartCode) {
-        writeVc1StartCode(static_cast<uint8_t*>(mBuffer->data()));
+        writeVc1StartCode(mBuffer.data());
         *insertedBytes = kStartCodeSize;
     }
     return loadPlain(*chunk, *insertedBytes);
@@ -69,7 +68,7 @@ bool RuvoAVISource::loadVc1(Chunk* chunk, size_t* insertedBytes) {
 // usual prefixes of four bytes.
 bool RuvoAVISource::loadLengthPrefixed(const Chunk& chunk) {
     const int64_t size = mTrack.reader.askSize();
-    if (chunk.size > mBufferCapacity || (size > 0 && chunk.offset + chunk.size > size))
+    if (chunk.size > mBuffer.capacity() || (size > 0 && chunk.offset + chunk.size > size))
         return false;
     const std::unique_ptr<uint8_t[]> sample(new (std::nothrow) uint8_t[chunk.size]);
     if (sample == nullptr || !mTrack.reader.readExactly(chunk.offset, sample.get(), chunk.size)) {
@@ -77,14 +76,14 @@ bool RuvoAVISource::loadLengthPrefixed(const Chunk& chunk) {
     }
     dumpData(sample.get(), chunk.size, kNoTime, static_cast<uint32_t>(chunk.index));
     const size_t written = convertLengthPrefixed(chunk, sample.get());
-    auto* out = static_cast<uint8_t*>(mBuffer->data());
+    auto* out = mBuffer.data();
     if (written < chunk.size) memset(out + written, 0, chunk.size - written);
     return true;
 }
 
 // Returns the bytes written.
 size_t RuvoAVISource::convertLengthPrefixed(const Chunk& chunk, const uint8_t* sample) {
-    auto* out = static_cast<uint8_t*>(mBuffer->data());
+    auto* out = mBuffer.data();
     size_t dstOffset = 0;
     unsigned number = 1;
     unsigned logged = 0;
@@ -97,14 +96,14 @@ size_t RuvoAVISource::convertLengthPrefixed(const Chunk& chunk, const uint8_t* s
                    unit.isWhole ? "GOOD NAL" : "MALFORMED");
         }
         if (unit.length == 0) continue;
-        AVI_CHECK_TEXT(dstOffset + kStartCodeSize <= mBufferCapacity,
+        AVI_CHECK_TEXT(dstOffset + kStartCodeSize <= mBuffer.capacity(),
                        "dstOffset + 4 <= mBuffer->size()");
         if (!unit.isWhole) {
             logNal(ANDROID_LOG_ERROR, chunk, sample, unit, number, "MALFORMED!!!");
         }
         const size_t length = std::min(unit.length, chunk.size - unit.offset);
         dstOffset += writeNalUnit(sample + unit.offset, length, out + dstOffset,
-                                  mBufferCapacity - dstOffset);
+                                  mBuffer.capacity() - dstOffset);
         ++number;
     }
     return dstOffset;
@@ -123,13 +122,13 @@ void RuvoAVISource::logNal(int priority, const Chunk& chunk, const uint8_t* samp
 // The platform's audio path takes 16 bits.
 media_status_t RuvoAVISource::convertPcm(const Chunk& chunk) {
     if (!mTrack.isRawPcm) return AMEDIA_OK;
-    uint8_t* data = static_cast<uint8_t*>(mBuffer->data());
+    uint8_t* data = mBuffer.data();
     switch (mTrack.info.mBitsPerSample) {
         case 32:
-            mBuffer->set_range(0, narrowPcm32(data, chunk.size));
+            mBuffer.setRange(0, narrowPcm32(data, chunk.size));
             return AMEDIA_OK;
         case 24:
-            mBuffer->set_range(0, narrowPcm24(data, chunk.size));
+            mBuffer.setRange(0, narrowPcm24(data, chunk.size));
             return AMEDIA_OK;
         case 8:
             return convertPcm8(chunk);
@@ -139,18 +138,13 @@ media_status_t RuvoAVISource::convertPcm(const Chunk& chunk) {
 }
 
 media_status_t RuvoAVISource::convertPcm8(const Chunk& chunk) {
-    MediaBufferHelper* wide = nullptr;
-    size_t capacity = 0;
-    if (acquireBuffer(&wide, &capacity) != AMEDIA_OK) {
-        return bufferFailure(chunk, __LINE__);
-    }
-    AVI_CHECK_TEXT(wide != nullptr, "tmp != NULL");
-    const size_t size = std::min<size_t>(chunk.size, capacity / 2);
-    widenPcm8(static_cast<const uint8_t*>(mBuffer->data()), size,
-              static_cast<uint8_t*>(wide->data()));
-    wide->set_range(0, 2 * size);
-    releaseBuffer();
-    mBuffer = wide;
+    SampleBuffer wide;
+    if (mBuffers.acquire(&wide) != AMEDIA_OK) return bufferFailure(chunk, __LINE__);
+    AVI_CHECK_TEXT(wide, "tmp != NULL");
+    const size_t size = std::min<size_t>(chunk.size, wide.capacity() / 2);
+    widenPcm8(mBuffer.data(), size, wide.data());
+    wide.setRange(0, 2 * size);
+    mBuffer = std::move(wide);
     return AMEDIA_OK;
 }
 

@@ -25,7 +25,7 @@ constexpr size_t kMinLeft = 5;
 media_status_t RuvoAVISource::readMpegAudioFrame(const Seek& seek, MediaBufferHelper** out) {
     Chunk chunk;
     int64_t chunkTimeUs = 0;
-    if (mBuffer == nullptr || mBuffer->range_length() < kMinRest) {
+    if (!mBuffer || mBuffer.rangeLength() < kMinRest) {
         const media_status_t err = loadMpegAudioChunk(&chunk);
         if (err != AMEDIA_OK) return err;
         chunkTimeUs = calculateFrameDTS(FrameType::kUnknown, chunk.bytesBefore);
@@ -39,11 +39,11 @@ media_status_t RuvoAVISource::readMpegAudioFrame(const Seek& seek, MediaBufferHe
 media_status_t RuvoAVISource::loadMpegAudioChunk(Chunk* chunk) {
     if (!nextChunk(chunk)) return endOfStream(prefix(), __LINE__);
     size_t rest = 0;
-    if (mBuffer != nullptr) {
-        rest = moveToFront(mBuffer->range_offset(), mBuffer->range_length());
+    if (mBuffer) {
+        rest = moveToFront(mBuffer.rangeOffset(), mBuffer.rangeLength());
         mChunkConsumed = 0;
     } else {
-        const media_status_t err = acquireChunkBuffer();
+        const media_status_t err = mBuffers.acquireForChunk(&mBuffer);
         if (err != AMEDIA_OK) return err;
     }
     beginRead();
@@ -52,7 +52,7 @@ media_status_t RuvoAVISource::loadMpegAudioChunk(Chunk* chunk) {
     mChunkConsumed = 0;
     const size_t left = rest + chunk->size - consumed;
     if (left >= kMinLeft) {
-        mBuffer->set_range(consumed, left);
+        mBuffer.setRange(consumed, left);
         return AMEDIA_OK;
     }
     if (isEnableLogOutput()) {
@@ -66,25 +66,25 @@ media_status_t RuvoAVISource::loadMpegAudioChunk(Chunk* chunk) {
 media_status_t RuvoAVISource::appendMpegAudioChunk(size_t offset, size_t left, Chunk* chunk) {
     moveToFront(offset, left);
     if (!nextChunk(chunk)) {
-        releaseBuffer();
+        mBuffer.reset();
         return endOfStream(prefix(*chunk), __LINE__);
     }
     chunk->isJoined = true;
     if (!loadPlain(*chunk, left)) return shortRead(*chunk, __LINE__);
-    mBuffer->set_range(0, left + chunk->size);
+    mBuffer.setRange(0, left + chunk->size);
     return AMEDIA_OK;
 }
 
 size_t RuvoAVISource::moveToFront(size_t offset, size_t length) {
-    uint8_t* data = static_cast<uint8_t*>(mBuffer->data());
+    uint8_t* data = mBuffer.data();
     memmove(data, data + offset, length);
     return length;
 }
 
 media_status_t RuvoAVISource::cutMpegAudioFrame(const Chunk& chunk, int64_t chunkTimeUs,
                                                 MediaBufferHelper** out) {
-    uint8_t* data = static_cast<uint8_t*>(mBuffer->data()) + mBuffer->range_offset();
-    const size_t length = mBuffer->range_length();
+    uint8_t* data = mBuffer.data() + mBuffer.rangeOffset();
+    const size_t length = mBuffer.rangeLength();
     const MpegAudioCut cut = mCutter.cut(data, length);
     if (isEnableLogOutput()) logCut(chunk, cut.found, length);
     if (cut.kind == MpegAudioCut::Kind::kHeaderless) {
@@ -95,25 +95,25 @@ media_status_t RuvoAVISource::cutMpegAudioFrame(const Chunk& chunk, int64_t chun
 
     const bool spans = cut.kind == MpegAudioCut::Kind::kSpanning;
     int64_t timeUs = spans ? 0 : mCutter.stamp(cut, chunkTimeUs);
-    MediaBufferHelper* frame = nullptr;
+    SampleBuffer frame;
     const media_status_t err = acquireFrameBuffer(chunk, cut.size, &frame);
     if (err != AMEDIA_OK) return err;
     if (spans) {
         const size_t have = length - cut.start;
-        memcpy(frame->data(), data + cut.start, have);
+        memcpy(frame.data(), data + cut.start, have);
         if (!completeMpegAudioFrame(chunk, cut.size, have, frame)) {
-            frame->release();
             return bufferFailure(chunk, __LINE__);
         }
-        releaseBuffer();
+        mBuffer.reset();
         timeUs = mCutter.stamp(cut, chunkTimeUs);
     } else {
-        memcpy(frame->data(), data + cut.start, cut.size);
+        memcpy(frame.data(), data + cut.start, cut.size);
         takeFromRest(cut.start + cut.size);
     }
-    frame->set_range(0, cut.size);
+    frame.setRange(0, cut.size);
     publishMetaData(frame, timeUs, true);
-    return returnBuffer(out, frame, timeUs);
+    returnBuffer(out, std::move(frame), timeUs);
+    return AMEDIA_OK;
 }
 
 void RuvoAVISource::logCut(const Chunk& chunk, const MpegAudioFound& found, size_t length) const {
@@ -125,35 +125,34 @@ void RuvoAVISource::logCut(const Chunk& chunk, const MpegAudioFound& found, size
 
 // A buffer for a frame of `size` bytes.
 media_status_t RuvoAVISource::acquireFrameBuffer(const Chunk& chunk, size_t size,
-                                                 MediaBufferHelper** out) {
-    size_t capacity = 0;
-    if (acquireBuffer(out, &capacity) != AMEDIA_OK) return bufferFailure(chunk, __LINE__);
-    AVI_CHECK_TEXT(*out != nullptr, "clone != NULL");
-    if (size <= capacity) return AMEDIA_OK;
-    (*out)->release();
-    releaseBuffer();
+                                                 SampleBuffer* out) {
+    if (mBuffers.acquire(out) != AMEDIA_OK) return bufferFailure(chunk, __LINE__);
+    const SampleBuffer& clone = *out;
+    AVI_CHECK_TEXT(clone, "clone != NULL");
+    if (size <= clone.capacity()) return AMEDIA_OK;
+    mBuffer.reset();
     return unknownError(prefix(chunk), __LINE__);
 }
 
 void RuvoAVISource::takeFromRest(size_t count) {
-    const size_t offset = mBuffer->range_offset() + count;
-    const size_t length = mBuffer->range_length() - count;
+    const size_t offset = mBuffer.rangeOffset() + count;
+    const size_t length = mBuffer.rangeLength() - count;
     if (length == 0) {
-        releaseBuffer();
+        mBuffer.reset();
     } else {
-        mBuffer->set_range(offset, length);
+        mBuffer.setRange(offset, length);
     }
 }
 
 // Reads the rest of a frame, of which `have` bytes are there, from the chunks that follow. The last
 // of them is read again by the next call, from where this frame ends.
 bool RuvoAVISource::completeMpegAudioFrame(const Chunk& loaded, size_t frameSize, size_t have,
-                                           MediaBufferHelper* frame) {
+                                           const SampleBuffer& frame) {
     bool wholeChunkConsumed = false;
     ssize_t got = 0;
     while (have < frameSize) {
         const size_t missing = frameSize - have;
-        auto* rest = static_cast<uint8_t*>(frame->data()) + have;
+        auto* rest = frame.data() + have;
         const status_t err = readNextChunk(rest, missing, &got);
         if (isEnableLogOutput()) {
             AVI_LOGD("%s[%u] Read remained %d bytes from next chunk %d/%zd/%zu %s",

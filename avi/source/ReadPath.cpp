@@ -38,15 +38,16 @@ media_status_t RuvoAVISource::read(MediaBufferHelper** out, const ReadOptions* o
     if (err != AMEDIA_OK) return err;
     publishMetaData(mBuffer, timeUs, chunk.isSync || mTrack.isAudio);
     if (request.targetUs >= 0) {
-        AMediaFormat_setInt64(mBuffer->meta_data(), AMEDIAFORMAT_KEY_TARGET_TIME, request.targetUs);
+        AMediaFormat_setInt64(mBuffer.metaData(), AMEDIAFORMAT_KEY_TARGET_TIME, request.targetUs);
     }
-    return returnBuffer(out, std::exchange(mBuffer, nullptr), timeUs);
+    returnBuffer(out, std::move(mBuffer), timeUs);
+    return AMEDIA_OK;
 }
 
 // Fills mBuffer with the next chunk.
 media_status_t RuvoAVISource::loadNextChunk(Chunk* chunk) {
     if (!nextChunk(chunk)) return endOfStream(prefix(), __LINE__);
-    const media_status_t err = acquireChunkBuffer();
+    const media_status_t err = mBuffers.acquireForChunk(&mBuffer);
     return err == AMEDIA_OK ? loadChunk(chunk) : err;
 }
 
@@ -66,56 +67,34 @@ bool RuvoAVISource::nextChunk(Chunk* out) {
     return false;
 }
 
-// `capacity` is what may be written: on the device a buffer's size counts a control block too.
-media_status_t RuvoAVISource::acquireBuffer(MediaBufferHelper** out, size_t* capacity) {
-    const media_status_t err = mBufferGroup->acquire_buffer(out);
-    if (err != AMEDIA_OK && *out != nullptr) {
-        (*out)->release();
-        *out = nullptr;
-    }
-    if (*out != nullptr) *capacity = std::min<size_t>((*out)->size(), mBufferSize);
-    return err;
-}
-
-media_status_t RuvoAVISource::acquireChunkBuffer() {
-    if (acquireBuffer(&mBuffer, &mBufferCapacity) != AMEDIA_OK) {
-        fail("read", AMEDIA_ERROR_UNKNOWN, __LINE__);
-        return AMEDIA_ERROR_UNKNOWN;
-    }
-    AVI_CHECK_TEXT(mBuffer != nullptr, "mBuffer != NULL");
-    return AMEDIA_OK;
-}
-
-void RuvoAVISource::publishMetaData(MediaBufferHelper* buffer, int64_t timeUs, bool isSync) {
-    AMediaFormat* meta = buffer->meta_data();
+void RuvoAVISource::publishMetaData(const SampleBuffer& buffer, int64_t timeUs, bool isSync) {
+    AMediaFormat* meta = buffer.metaData();
     AMediaFormat_clear(meta);  // a reused buffer still has the keys of its last sample
     AMediaFormat_setInt64(meta, AMEDIAFORMAT_KEY_TIME_US, timeUs);
     if (isSync) AMediaFormat_setInt32(meta, AMEDIAFORMAT_KEY_IS_SYNC_FRAME, 1);
 }
 
-// Hands a finished buffer over, and tells the log of it.
-media_status_t RuvoAVISource::returnBuffer(MediaBufferHelper** out, MediaBufferHelper* buffer,
-                                           int64_t timeUs) {
-    *out = buffer;
-    if (!isEnableLogOutput()) return AMEDIA_OK;
-    const uint32_t index = mCurrentSampleIndex - 1;
-    AVI_LOGD("[%s][%u][%u] mBuffer meta data: %s", mTrack.mime.c_str(), mTrack.info.mStreamIndex,
-             index, AMediaFormat_toString(buffer->meta_data()));
-    dumpData(static_cast<const uint8_t*>(buffer->data()) + buffer->range_offset(),
-             buffer->range_length(), timeUs, index);
-    return AMEDIA_OK;
+// Hands a finished buffer over, and logs it.
+void RuvoAVISource::returnBuffer(MediaBufferHelper** out, SampleBuffer buffer, int64_t timeUs) {
+    if (isEnableLogOutput()) {
+        const uint32_t index = mCurrentSampleIndex - 1;
+        AVI_LOGD("[%s][%u][%u] mBuffer meta data: %s", mTrack.mime.c_str(),
+                 mTrack.info.mStreamIndex, index, AMediaFormat_toString(buffer.metaData()));
+        dumpData(buffer.rangeStart(), buffer.rangeLength(), timeUs, index);
+    }
+    *out = buffer.release();
 }
 
 // No second buffer, or no data for it: what was loaded is lost.
 media_status_t RuvoAVISource::bufferFailure(const Chunk& chunk, int line) {
-    releaseBuffer();
+    mBuffer.reset();
     return mTrack.reader.askSize() < 1 ? endOfStream(prefix(chunk), line)
                                        : unknownError(prefix(chunk), line);
 }
 
 // A chunk that the file does not hold ends the stream: the rest of the file is missing.
 media_status_t RuvoAVISource::shortRead(const Chunk& chunk, int line) {
-    releaseBuffer();
+    mBuffer.reset();
     const bool atFileEnd = mTrack.reader.askSize() <= chunk.offset + chunk.size;
     return atFileEnd ? endOfStream(prefix(chunk), line) : unknownError(prefix(chunk), line);
 }

@@ -3,8 +3,6 @@
 // The source's life: construction over a track, start, stop.
 #include "source/RuvoAVISource.h"
 
-#include <algorithm>
-
 #include "support/Check.h"
 #include "support/Log.h"
 
@@ -12,9 +10,6 @@ namespace android {
 
 namespace {
 
-constexpr uint32_t kMaxBufferBytes = 64 * 1024 * 1024;  // a buffer, and all buffers of a group
-constexpr size_t kInitialBuffers = 2;
-constexpr uint32_t kMaxBuffers = 8;
 constexpr uint32_t kStartCodeRoom = 4;  // reading may put a start code in front of a sample
 
 media_status_t startFailure(int line) {
@@ -50,19 +45,18 @@ media_status_t RuvoAVISource::start() {
         mBufferGroup == nullptr) {
         return startFailure(__LINE__);
     }
-    if (maxInputSize < 1 || static_cast<uint32_t>(maxInputSize) > kMaxBufferBytes) {
+    if (maxInputSize < 1 || static_cast<uint32_t>(maxInputSize) > SampleBufferPool::kMaxBytes) {
         return startFailure(__LINE__);
     }
-    mBufferSize = bufferSizeFor(static_cast<uint32_t>(maxInputSize));
-    mBufferGroup->init(kInitialBuffers, mBufferSize,
-                       std::min(kMaxBufferBytes / mBufferSize, kMaxBuffers));
+    const uint32_t bufferSize = bufferSizeFor(static_cast<uint32_t>(maxInputSize));
+    mBuffers.init(mBufferGroup, bufferSize);
     AVI_LOGD("+ start track %s bufferSize %d", AMediaFormat_toString(format.get()),
-             static_cast<int>(mBufferSize));
+             static_cast<int>(bufferSize));
     mStarted = true;
     return AMEDIA_OK;
 }
 
-// Reading may make a sample larger. REQUIRES: largest <= kMaxBufferBytes.
+// Reading may make a sample larger. REQUIRES: largest <= SampleBufferPool::kMaxBytes.
 uint32_t RuvoAVISource::bufferSizeFor(uint32_t largest) const {
     if (mTrack.isRawPcm && mTrack.info.mBitsPerSample == 8)
         return 2 * largest;                      // widened to 16 bits
@@ -73,16 +67,10 @@ uint32_t RuvoAVISource::bufferSizeFor(uint32_t largest) const {
 media_status_t RuvoAVISource::stop() {
     const std::lock_guard<std::mutex> lock(mLock);
     AVI_CHECK(mStarted);
-    releaseBuffer();
+    mBuffer.reset();
     mCurrentSampleIndex = 0;
     mStarted = false;
     return AMEDIA_OK;
-}
-
-void RuvoAVISource::releaseBuffer() {
-    if (mBuffer == nullptr) return;
-    mBuffer->release();
-    mBuffer = nullptr;
 }
 
 media_status_t RuvoAVISource::getFormat(AMediaFormat* out) {

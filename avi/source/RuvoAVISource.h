@@ -17,6 +17,7 @@
 #include "source/Conversions.h"
 #include "source/FrameType.h"
 #include "source/MpegAudioCutter.h"
+#include "source/SampleBuffer.h"
 #include "source/SourceTrack.h"
 
 namespace android {
@@ -67,15 +68,12 @@ class RuvoAVISource : public MediaTrackHelper {
 
     // source/RuvoAVISource.cpp
     uint32_t bufferSizeFor(uint32_t largest) const;
-    void releaseBuffer();
 
     // source/ReadPath.cpp
     bool nextChunk(Chunk* out);
     media_status_t loadNextChunk(Chunk* chunk);
-    media_status_t acquireBuffer(MediaBufferHelper** out, size_t* capacity);
-    media_status_t acquireChunkBuffer();
-    void publishMetaData(MediaBufferHelper* buffer, int64_t timeUs, bool isSync);
-    media_status_t returnBuffer(MediaBufferHelper** out, MediaBufferHelper* buffer, int64_t timeUs);
+    static void publishMetaData(const SampleBuffer& buffer, int64_t timeUs, bool isSync);
+    void returnBuffer(MediaBufferHelper** out, SampleBuffer buffer, int64_t timeUs);
     media_status_t shortRead(const Chunk& chunk, int line);
     media_status_t endOfStream(const std::string& prefix, int line);
     media_status_t unknownError(const std::string& prefix, int line);
@@ -102,10 +100,10 @@ class RuvoAVISource : public MediaTrackHelper {
     media_status_t cutMpegAudioFrame(const Chunk& chunk, int64_t chunkTimeUs,
                                      MediaBufferHelper** out);
     void logCut(const Chunk& chunk, const MpegAudioFound& found, size_t length) const;
-    media_status_t acquireFrameBuffer(const Chunk& chunk, size_t size, MediaBufferHelper** out);
+    media_status_t acquireFrameBuffer(const Chunk& chunk, size_t size, SampleBuffer* out);
     void takeFromRest(size_t count);
     bool completeMpegAudioFrame(const Chunk& loaded, size_t frameSize, size_t have,
-                                MediaBufferHelper* frame);
+                                const SampleBuffer& frame);
     void logWholeChunk(const Chunk& loaded) const;
     status_t readNextChunk(uint8_t* dst, size_t wanted, ssize_t* got);
 
@@ -155,13 +153,11 @@ class RuvoAVISource : public MediaTrackHelper {
     const Vector<sp<RuvoAVISeekTime>>& mAudioSeekTimes;  // not owned
 
     bool mStarted = false;
-    uint32_t mBufferSize = 0;  // as asked of the group: buffers may report more than is usable
+    SampleBufferPool mBuffers;
     uint32_t mCurrentSampleIndex = 0;
     uint32_t mChunkConsumed = 0;  // bytes of the next chunk that went out already
-    // Being filled; between calls the rest of a chunk that is cut into frames. Belongs to the
-    // group.
-    MediaBufferHelper* mBuffer = nullptr;
-    size_t mBufferCapacity = 0;  // bytes of mBuffer that may be written
+    // Being filled; between calls the rest of a chunk that is cut into frames.
+    SampleBuffer mBuffer;
     MpegAudioCutter mCutter;
 
     uint32_t mReadCount = 0;      // dumps since construction or the last seek

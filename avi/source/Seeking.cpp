@@ -32,7 +32,7 @@ media_status_t RuvoAVISource::seek(int64_t requestedUs, SeekMode mode, Seek* out
     out->timeUs = std::max<int64_t>(requestedUs, 0);
     mChunkConsumed = 0;
     restartDumps();
-    releaseBuffer();
+    mBuffer.reset();
     if (mTrack.isAudio) {
         const int64_t landingUs =
             getAudioSeekTimeByTrackId(static_cast<int32_t>(mTrack.info.mStreamIndex));
