@@ -39,7 +39,8 @@ int64_t RuvoAVISource::followingBFrames() const {
 }
 
 int64_t RuvoAVISource::sampleTimeUs(const Chunk& chunk) const {
-    if (!mTrack.info.mIsSubtitle) return calculateFrameDTS(chunk.type, chunk.bytesBefore);
+    if (!mTrack.info.mIsSubtitle)
+        return calculateFrameDTS(chunk.type.value_or(FrameType::kUnknown), chunk.bytesBefore);
     return getSubtitleDts(mBuffer.data(), chunk.size);
 }
 

@@ -24,7 +24,7 @@ static constexpr unsigned kLoggedUnits = 1000;
 media_status_t RuvoAVISource::loadChunk(Chunk* chunk) {
     size_t insertedBytes = 0;
     bool loaded = false;
-    beginRead();
+    mLog.beginRead();
     if (mTrack.isWvc1) {
         loaded = loadVc1(chunk, &insertedBytes);
     } else if (mTrack.isAvc && mTrack.info.mAVCStyle == 0 && mTrack.info.mAVCSizeLength >= 1) {
@@ -32,10 +32,12 @@ media_status_t RuvoAVISource::loadChunk(Chunk* chunk) {
     } else {
         loaded = loadPlain(*chunk, 0);
     }
-    if (!loaded) return shortRead(*chunk, __LINE__);
+    if (!loaded) {
+        mBuffer.reset();
+        return shortRead(mTrack, *chunk, __LINE__);
+    }
     mBuffer.setRange(0, insertedBytes + chunk->size);
     if (!mTrack.isAudio) {
-        chunk->isTyped = true;
         chunk->type = getFrameType(mBuffer.data(), insertedBytes + chunk->size);
     }
     return AMEDIA_OK;
@@ -74,7 +76,7 @@ bool RuvoAVISource::loadLengthPrefixed(const Chunk& chunk) {
     if (sample == nullptr || !mTrack.reader.readExactly(chunk.offset, sample.get(), chunk.size)) {
         return false;
     }
-    dumpData(sample.get(), chunk.size, kNoTime, static_cast<uint32_t>(chunk.index));
+    mLog.dumpData(sample.get(), chunk.size, SampleLog::kNoTime, chunk.index);
     const size_t written = convertLengthPrefixed(chunk, sample.get());
     auto* out = mBuffer.data();
     if (written < chunk.size) memset(out + written, 0, chunk.size - written);
@@ -90,7 +92,7 @@ size_t RuvoAVISource::convertLengthPrefixed(const Chunk& chunk, const uint8_t* s
     PrefixedNal unit;
     PrefixedNalReader units(sample, chunk.size, static_cast<size_t>(mTrack.info.mAVCSizeLength));
     while (units.next(&unit)) {
-        if (logged < kLoggedUnits && isEnableLogOutput()) {
+        if (logged < kLoggedUnits && mLog.isEnableLogOutput(mCurrentSampleIndex - 1)) {
             ++logged;
             logNal(ANDROID_LOG_DEBUG, chunk, sample, unit, number,
                    unit.isWhole ? "GOOD NAL" : "MALFORMED");
@@ -114,8 +116,8 @@ void RuvoAVISource::logNal(int priority, const Chunk& chunk, const uint8_t* samp
                            const PrefixedNal& unit, unsigned number, const char* verdict) const {
     uint8_t bytes[8] = {};
     memcpy(bytes, sample + unit.prefixAt, std::min(sizeof(bytes), chunk.size - unit.prefixAt));
-    AVI_LOG(priority, "%s %s NAL%u LenOff %zu Len %zu/%zu/%zu %s", prefix(chunk).c_str(),
-            hexBytes(bytes, sizeof(bytes)).c_str(), number, unit.offset, unit.length,
+    AVI_LOG(priority, "%s %s NAL%u LenOff %zu Len %zu/%zu/%zu %s", LogPrefix(mTrack, chunk).text(),
+            HexLine(bytes, sizeof(bytes)).text(), number, unit.offset, unit.length,
             chunk.size - unit.offset, size_t{chunk.size}, verdict);
 }
 
@@ -139,7 +141,10 @@ media_status_t RuvoAVISource::convertPcm(const Chunk& chunk) {
 
 media_status_t RuvoAVISource::convertPcm8(const Chunk& chunk) {
     SampleBuffer wide;
-    if (mBuffers.acquire(&wide) != AMEDIA_OK) return bufferFailure(chunk, __LINE__);
+    if (mBuffers.acquire(&wide) != AMEDIA_OK) {
+        mBuffer.reset();
+        return bufferFailure(mTrack, chunk, __LINE__);
+    }
     AVI_CHECK_TEXT(wide, "tmp != NULL");
     const size_t size = std::min<size_t>(chunk.size, wide.capacity() / 2);
     widenPcm8(mBuffer.data(), size, wide.data());

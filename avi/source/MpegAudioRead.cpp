@@ -29,7 +29,7 @@ media_status_t RuvoAVISource::readMpegAudioFrame(const Seek& seek, MediaBufferHe
         const media_status_t err = loadMpegAudioChunk(&chunk);
         if (err != AMEDIA_OK) return err;
         chunkTimeUs = calculateFrameDTS(FrameType::kUnknown, chunk.bytesBefore);
-        logChunk(chunk, chunkTimeUs, seek);
+        mLog.logChunk(chunk, mBuffer, chunkTimeUs, seek.timeUs);
         if (seek.requested) shareSeekTime(chunk, chunkTimeUs);
     }
     return cutMpegAudioFrame(chunk, chunkTimeUs, out);
@@ -37,7 +37,7 @@ media_status_t RuvoAVISource::readMpegAudioFrame(const Seek& seek, MediaBufferHe
 
 // Leaves at least one byte in mBuffer's range.
 media_status_t RuvoAVISource::loadMpegAudioChunk(Chunk* chunk) {
-    if (!nextChunk(chunk)) return endOfStream(prefix(), __LINE__);
+    if (!nextChunk(chunk)) return endOfStream(LogPrefix(mTrack), __LINE__);
     size_t rest = 0;
     if (mBuffer) {
         rest = moveToFront(mBuffer.rangeOffset(), mBuffer.rangeLength());
@@ -46,8 +46,11 @@ media_status_t RuvoAVISource::loadMpegAudioChunk(Chunk* chunk) {
         const media_status_t err = mBuffers.acquireForChunk(&mBuffer);
         if (err != AMEDIA_OK) return err;
     }
-    beginRead();
-    if (!loadPlain(*chunk, rest)) return shortRead(*chunk, __LINE__);
+    mLog.beginRead();
+    if (!loadPlain(*chunk, rest)) {
+        mBuffer.reset();
+        return shortRead(mTrack, *chunk, __LINE__);
+    }
     const size_t consumed = std::min<size_t>(mChunkConsumed, rest + chunk->size);
     mChunkConsumed = 0;
     const size_t left = rest + chunk->size - consumed;
@@ -55,9 +58,9 @@ media_status_t RuvoAVISource::loadMpegAudioChunk(Chunk* chunk) {
         mBuffer.setRange(consumed, left);
         return AMEDIA_OK;
     }
-    if (isEnableLogOutput()) {
+    if (mLog.isEnableLogOutput(mCurrentSampleIndex - 1)) {
         AVI_LOGD("%s Only %zu bytes left@%zu in this chunk with size %zu...",
-                 prefix(*chunk).c_str(), left, consumed, size_t{chunk->size});
+                 LogPrefix(mTrack, *chunk).text(), left, consumed, size_t{chunk->size});
     }
     return appendMpegAudioChunk(consumed, left, chunk);
 }
@@ -67,10 +70,13 @@ media_status_t RuvoAVISource::appendMpegAudioChunk(size_t offset, size_t left, C
     moveToFront(offset, left);
     if (!nextChunk(chunk)) {
         mBuffer.reset();
-        return endOfStream(prefix(*chunk), __LINE__);
+        return endOfStream(LogPrefix(mTrack, *chunk), __LINE__);
     }
-    chunk->isJoined = true;
-    if (!loadPlain(*chunk, left)) return shortRead(*chunk, __LINE__);
+    chunk->label = Chunk::Label::kWithoutMime;
+    if (!loadPlain(*chunk, left)) {
+        mBuffer.reset();
+        return shortRead(mTrack, *chunk, __LINE__);
+    }
     mBuffer.setRange(0, left + chunk->size);
     return AMEDIA_OK;
 }
@@ -86,10 +92,10 @@ media_status_t RuvoAVISource::cutMpegAudioFrame(const Chunk& chunk, int64_t chun
     uint8_t* data = mBuffer.data() + mBuffer.rangeOffset();
     const size_t length = mBuffer.rangeLength();
     const MpegAudioCut cut = mCutter.cut(data, length);
-    if (isEnableLogOutput()) logCut(chunk, cut.found, length);
+    if (mLog.isEnableLogOutput(mCurrentSampleIndex - 1)) logCut(chunk, cut.found, length);
     if (cut.kind == MpegAudioCut::Kind::kHeaderless) {
         AVI_LOGW("%s %d bytes bad MP3 frame without header, create header for it.",
-                 prefix(chunk).c_str(), static_cast<int>(length));
+                 LogPrefix(mTrack, chunk).text(), static_cast<int>(length));
         mCutter.createHeader(data, length);
     }
 
@@ -102,7 +108,8 @@ media_status_t RuvoAVISource::cutMpegAudioFrame(const Chunk& chunk, int64_t chun
         const size_t have = length - cut.start;
         memcpy(frame.data(), data + cut.start, have);
         if (!completeMpegAudioFrame(chunk, cut.size, have, frame)) {
-            return bufferFailure(chunk, __LINE__);
+            mBuffer.reset();
+            return bufferFailure(mTrack, chunk, __LINE__);
         }
         mBuffer.reset();
         timeUs = mCutter.stamp(cut, chunkTimeUs);
@@ -118,7 +125,7 @@ media_status_t RuvoAVISource::cutMpegAudioFrame(const Chunk& chunk, int64_t chun
 
 void RuvoAVISource::logCut(const Chunk& chunk, const MpegAudioFound& found, size_t length) const {
     AVI_LOGD("%s MP3HDR/START/FRMSZ/CHKSZ/BUFLEN/BITRATE/LAYER=(%X/%d/%zd/%zu/%d/%d/%u) %s",
-             prefix(chunk).c_str(), found.header, found.position,
+             LogPrefix(mTrack, chunk).text(), found.header, found.position,
              static_cast<ssize_t>(found.frameSize), size_t{chunk.size}, static_cast<int>(length),
              found.bitRate, found.layer, found.isValid ? "OK" : "");
 }
@@ -126,12 +133,15 @@ void RuvoAVISource::logCut(const Chunk& chunk, const MpegAudioFound& found, size
 // A buffer for a frame of `size` bytes.
 media_status_t RuvoAVISource::acquireFrameBuffer(const Chunk& chunk, size_t size,
                                                  SampleBuffer* out) {
-    if (mBuffers.acquire(out) != AMEDIA_OK) return bufferFailure(chunk, __LINE__);
+    if (mBuffers.acquire(out) != AMEDIA_OK) {
+        mBuffer.reset();
+        return bufferFailure(mTrack, chunk, __LINE__);
+    }
     const SampleBuffer& clone = *out;
     AVI_CHECK_TEXT(clone, "clone != NULL");
     if (size <= clone.capacity()) return AMEDIA_OK;
     mBuffer.reset();
-    return unknownError(prefix(chunk), __LINE__);
+    return unknownError(LogPrefix(mTrack, chunk), __LINE__);
 }
 
 void RuvoAVISource::takeFromRest(size_t count) {
@@ -154,13 +164,14 @@ bool RuvoAVISource::completeMpegAudioFrame(const Chunk& loaded, size_t frameSize
         const size_t missing = frameSize - have;
         auto* rest = frame.data() + have;
         const status_t err = readNextChunk(rest, missing, &got);
-        if (isEnableLogOutput()) {
+        if (mLog.isEnableLogOutput(mCurrentSampleIndex - 1)) {
             AVI_LOGD("%s[%u] Read remained %d bytes from next chunk %d/%zd/%zu %s",
-                     prefix(loaded).c_str(), mCurrentSampleIndex - 1, static_cast<int>(missing),
-                     static_cast<int>(have), got, size_t{loaded.size}, err == OK ? "OK" : "");
+                     LogPrefix(mTrack, loaded).text(), mCurrentSampleIndex - 1,
+                     static_cast<int>(missing), static_cast<int>(have), got, size_t{loaded.size},
+                     err == OK ? "OK" : "");
         }
         if (err != OK) {
-            AVI_LOGE("%s readNextChunk return %d!", prefix(loaded).c_str(), err);
+            AVI_LOGE("%s readNextChunk return %d!", LogPrefix(mTrack, loaded).text(), err);
             return false;
         }
         ++mCurrentSampleIndex;
@@ -180,8 +191,8 @@ bool RuvoAVISource::completeMpegAudioFrame(const Chunk& loaded, size_t frameSize
 }
 
 void RuvoAVISource::logWholeChunk(const Chunk& loaded) const {
-    if (!isEnableLogOutput()) return;
-    AVI_LOGD("%s[%u] chunk consumed with whole size %zu...", prefix(loaded).c_str(),
+    if (!mLog.isEnableLogOutput(mCurrentSampleIndex - 1)) return;
+    AVI_LOGD("%s[%u] chunk consumed with whole size %zu...", LogPrefix(mTrack, loaded).text(),
              mCurrentSampleIndex - 1, size_t{loaded.size});
 }
 

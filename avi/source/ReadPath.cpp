@@ -15,7 +15,7 @@ media_status_t RuvoAVISource::read(MediaBufferHelper** out, const ReadOptions* o
     const std::lock_guard<std::mutex> lock(mLock);
     AVI_CHECK(mStarted);
     *out = nullptr;
-    if (mTrack.table.size() == 0) return endOfStream(prefix(), __LINE__);
+    if (mTrack.table.size() == 0) return endOfStream(LogPrefix(mTrack), __LINE__);
 
     Seek request;
     int64_t seekTimeUs = 0;
@@ -32,7 +32,7 @@ media_status_t RuvoAVISource::read(MediaBufferHelper** out, const ReadOptions* o
     err = loadNextChunk(&chunk);
     if (err != AMEDIA_OK) return err;
     const int64_t timeUs = sampleTimeUs(chunk);
-    logChunk(chunk, timeUs, request);
+    mLog.logChunk(chunk, mBuffer, timeUs, request.timeUs);
     if (request.requested) shareSeekTime(chunk, timeUs);
     err = convertPcm(chunk);
     if (err != AMEDIA_OK) return err;
@@ -46,7 +46,7 @@ media_status_t RuvoAVISource::read(MediaBufferHelper** out, const ReadOptions* o
 
 // Fills mBuffer with the next chunk.
 media_status_t RuvoAVISource::loadNextChunk(Chunk* chunk) {
-    if (!nextChunk(chunk)) return endOfStream(prefix(), __LINE__);
+    if (!nextChunk(chunk)) return endOfStream(LogPrefix(mTrack), __LINE__);
     const media_status_t err = mBuffers.acquireForChunk(&mBuffer);
     return err == AMEDIA_OK ? loadChunk(chunk) : err;
 }
@@ -56,8 +56,8 @@ bool RuvoAVISource::nextChunk(Chunk* out) {
     const bool countsBytes = mTrack.info.mSampleSize != 0;
     while (mCurrentSampleIndex < mTrack.table.size()) {
         const size_t i = mCurrentSampleIndex++;
-        out->isLoaded = true;
-        out->index = i;
+        out->label = Chunk::Label::kFull;
+        out->index = static_cast<uint32_t>(i);
         out->offset = mTrack.table.offset(i);
         out->size = mTrack.table.chunkSize(i);
         out->bytesBefore = mTrack.table.bytesBefore(i);
@@ -76,53 +76,8 @@ void RuvoAVISource::publishMetaData(const SampleBuffer& buffer, int64_t timeUs, 
 
 // Hands a finished buffer over, and logs it.
 void RuvoAVISource::returnBuffer(MediaBufferHelper** out, SampleBuffer buffer, int64_t timeUs) {
-    if (isEnableLogOutput()) {
-        const uint32_t index = mCurrentSampleIndex - 1;
-        AVI_LOGD("[%s][%u][%u] mBuffer meta data: %s", mTrack.mime.c_str(),
-                 mTrack.info.mStreamIndex, index, AMediaFormat_toString(buffer.metaData()));
-        dumpData(buffer.rangeStart(), buffer.rangeLength(), timeUs, index);
-    }
+    mLog.logReturned(buffer, timeUs, mCurrentSampleIndex - 1);
     *out = buffer.release();
-}
-
-// No second buffer, or no data for it: what was loaded is lost.
-media_status_t RuvoAVISource::bufferFailure(const Chunk& chunk, int line) {
-    mBuffer.reset();
-    return mTrack.reader.askSize() < 1 ? endOfStream(prefix(chunk), line)
-                                       : unknownError(prefix(chunk), line);
-}
-
-// A chunk that the file does not hold ends the stream: the rest of the file is missing.
-media_status_t RuvoAVISource::shortRead(const Chunk& chunk, int line) {
-    mBuffer.reset();
-    const bool atFileEnd = mTrack.reader.askSize() <= chunk.offset + chunk.size;
-    return atFileEnd ? endOfStream(prefix(chunk), line) : unknownError(prefix(chunk), line);
-}
-
-media_status_t RuvoAVISource::endOfStream(const std::string& prefix, int line) {
-    AVI_LOGE("%s end of stream @L%d", prefix.c_str(), line);
-    return AMEDIA_ERROR_END_OF_STREAM;
-}
-
-media_status_t RuvoAVISource::unknownError(const std::string& prefix, int line) {
-    AVI_LOGE("%s Unknown error(-%x) @L%d", prefix.c_str(),
-             static_cast<unsigned>(-AMEDIA_ERROR_UNKNOWN), line);
-    return AMEDIA_ERROR_UNKNOWN;
-}
-
-std::string RuvoAVISource::prefix() const {
-    return "[" + mTrack.mime + "][" + std::to_string(mTrack.info.mStreamIndex) + "]";
-}
-
-// What stands in front of a log line about a chunk. Joined chunks are told without the type.
-std::string RuvoAVISource::prefix(const Chunk& chunk) const {
-    if (!chunk.isLoaded) return prefix();
-    const std::string track =
-        chunk.isJoined ? "[" + std::to_string(mTrack.info.mStreamIndex) + "]" : prefix();
-    std::string text =
-        track + "[" + std::to_string(chunk.index) + "/" + std::to_string(mTrack.table.size()) + "]";
-    if (!mTrack.isVideo || !chunk.isTyped) return text;
-    return text + "[" + frameTypeText(chunk.type) + "]";
 }
 
 }  // namespace android

@@ -25,6 +25,7 @@ RuvoAVISource::RuvoAVISource(Track* track, const FileReader& reader,
       mFormatLock(&track->mFormatLock),
       mTrack(track, reader),
       mAudioSeekTimes(seekTimes),
+      mLog(mTrack),
       mCutter(mTrack.info) {}
 
 RuvoAVISource::~RuvoAVISource() {

@@ -17,7 +17,9 @@
 #include "source/Conversions.h"
 #include "source/FrameType.h"
 #include "source/MpegAudioCutter.h"
+#include "source/ReadFailure.h"
 #include "source/SampleBuffer.h"
+#include "source/SampleLog.h"
 #include "source/SourceTrack.h"
 
 namespace android {
@@ -46,19 +48,6 @@ class RuvoAVISource : public MediaTrackHelper {
     bool supportsNonBlockingRead() override { return false; }
 
   private:
-    // The chunk that a call of read() works on.
-    struct Chunk {
-        bool isLoaded = false;  // false: this call goes on with the rest of an earlier chunk
-        bool isJoined = false;  // stands behind the rest of another one
-        size_t index = 0;
-        int64_t offset = 0;  // of its data in the file
-        uint32_t size = 0;
-        uint32_t bytesBefore = 0;  // of the stream, where the table counts bytes
-        bool isSync = false;
-        bool isTyped = false;
-        FrameType type = FrameType::kUnknown;
-    };
-
     // What a seek of this call asked for and led to.
     struct Seek {
         bool requested = false;
@@ -74,12 +63,6 @@ class RuvoAVISource : public MediaTrackHelper {
     media_status_t loadNextChunk(Chunk* chunk);
     static void publishMetaData(const SampleBuffer& buffer, int64_t timeUs, bool isSync);
     void returnBuffer(MediaBufferHelper** out, SampleBuffer buffer, int64_t timeUs);
-    media_status_t shortRead(const Chunk& chunk, int line);
-    media_status_t endOfStream(const std::string& prefix, int line);
-    media_status_t unknownError(const std::string& prefix, int line);
-    media_status_t bufferFailure(const Chunk& chunk, int line);
-    std::string prefix() const;
-    std::string prefix(const Chunk& chunk) const;
 
     // source/LoadChunk.cpp
     media_status_t loadChunk(Chunk* chunk);
@@ -136,16 +119,6 @@ class RuvoAVISource : public MediaTrackHelper {
     int64_t calculateFrameDTS(FrameType type, uint32_t bytesBefore) const;
     int64_t audioTimeUs(int64_t index, uint32_t bytesBefore) const;
 
-    // source/DataDump.cpp
-    static constexpr int64_t kNoTime = -1;
-    bool isEnableLogOutput() const;
-    void restartDumps();
-    void beginRead();
-    void dumpData(const uint8_t* data, size_t size, int64_t timeUs, uint32_t index);
-    std::string readInformation(int64_t timeUs, size_t size);
-    void logChunk(const Chunk& chunk, int64_t timeUs, const Seek& seek) const;
-    void logFrame(const std::string& prefix) const;
-
     std::mutex mLock;
     AMediaFormat* mFormat;    // not owned; touched only with *mFormatLock held
     std::mutex* mFormatLock;  // not owned
@@ -153,17 +126,13 @@ class RuvoAVISource : public MediaTrackHelper {
     const Vector<sp<RuvoAVISeekTime>>& mAudioSeekTimes;  // not owned
 
     bool mStarted = false;
+    SampleLog mLog;
     SampleBufferPool mBuffers;
     uint32_t mCurrentSampleIndex = 0;
     uint32_t mChunkConsumed = 0;  // bytes of the next chunk that went out already
     // Being filled; between calls the rest of a chunk that is cut into frames.
     SampleBuffer mBuffer;
     MpegAudioCutter mCutter;
-
-    uint32_t mReadCount = 0;      // dumps since construction or the last seek
-    int64_t mReadStartUs = -1;    // wall clock when the loading of the last chunk began
-    int64_t mTotalReadBytes = 0;  // dumped since then, with a measurable read time
-    int64_t mTotalReadTimeUs = 0;
 };
 
 }  // namespace android

@@ -31,14 +31,14 @@ media_status_t RuvoAVISource::seek(int64_t requestedUs, SeekMode mode, Seek* out
     out->requested = true;
     out->timeUs = std::max<int64_t>(requestedUs, 0);
     mChunkConsumed = 0;
-    restartDumps();
+    mLog.restart();
     mBuffer.reset();
     if (mTrack.isAudio) {
         const int64_t landingUs =
             getAudioSeekTimeByTrackId(static_cast<int32_t>(mTrack.info.mStreamIndex));
         if (landingUs >= 0 && requestedUs > 0) {
             out->timeUs = landingUs;
-            AVI_TRACE("%s get Audio seekTime @%lld.%03llds @L%d", prefix().c_str(),
+            AVI_TRACE("%s get Audio seekTime @%lld.%03llds @L%d", LogPrefix(mTrack).text(),
                       wholeSeconds(landingUs), milliseconds(landingUs), __LINE__);
         }
     }
@@ -46,7 +46,7 @@ media_status_t RuvoAVISource::seek(int64_t requestedUs, SeekMode mode, Seek* out
 
     int32_t index = 0;
     const status_t err = getSampleIndexBySeekTime(out->timeUs, mode, &index, &out->targetUs);
-    if (err != OK) return endOfStream(prefix(), __LINE__);
+    if (err != OK) return endOfStream(LogPrefix(mTrack), __LINE__);
     mCurrentSampleIndex = static_cast<uint32_t>(index);
     return AMEDIA_OK;
 }
@@ -55,11 +55,13 @@ media_status_t RuvoAVISource::seek(int64_t requestedUs, SeekMode mode, Seek* out
 void RuvoAVISource::shareSeekTime(const Chunk& chunk, int64_t landingUs) {
     if (strncasecmp(mTrack.mime.c_str(), "video/", 6) == 0) {
         setAllAudioSeekTime(landingUs);
-        AVI_TRACE("%s set seekTime @%lld.%03llds for audio track(s).@L%d", prefix(chunk).c_str(),
-                  wholeSeconds(landingUs), milliseconds(landingUs), __LINE__);
+        AVI_TRACE("%s set seekTime @%lld.%03llds for audio track(s).@L%d",
+                  LogPrefix(mTrack, chunk).text(), wholeSeconds(landingUs), milliseconds(landingUs),
+                  __LINE__);
     } else if (strncasecmp(mTrack.mime.c_str(), "audio/", 6) == 0) {
         setAudioSeekTimeByTrackId(static_cast<int32_t>(mTrack.info.mStreamIndex), kNoSeekTime);
-        AVI_TRACE("%s reset seekTime to -1 after seeking.@L%d", prefix(chunk).c_str(), __LINE__);
+        AVI_TRACE("%s reset seekTime to -1 after seeking.@L%d", LogPrefix(mTrack, chunk).text(),
+                  __LINE__);
     }
 }
 

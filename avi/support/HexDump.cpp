@@ -16,6 +16,16 @@ char* putByte(uint8_t byte, HexCase digits, char* out) {
     return out;
 }
 
+// At least one byte, blanks only between them; returns the end.
+char* putBytes(const uint8_t* data, size_t size, char* out) {
+    out = putByte(data[0], HexCase::kUpper, out);
+    for (size_t i = 1; i < size; ++i) {
+        *out++ = ' ';
+        out = putByte(data[i], HexCase::kUpper, out);
+    }
+    return out;
+}
+
 }  // namespace
 
 std::unique_ptr<char[]> hexText(const uint8_t* data, size_t size, HexCase digits) {
@@ -30,13 +40,15 @@ std::unique_ptr<char[]> hexText(const uint8_t* data, size_t size, HexCase digits
     return text;
 }
 
-std::string hexBytes(const uint8_t* data, size_t size) {
-    if (size == 0) return {};
-    std::string text(size * 3 - 1, ' ');
-    for (size_t i = 0; i < size; ++i) {
-        putByte(data[i], HexCase::kUpper, &text[3 * i]);
-    }
-    return text;
+HexLine::HexLine(const uint8_t* data, size_t size) {
+    if (size > 0) *putBytes(data, size, mText) = '\0';
+}
+
+HexLine::HexLine(const uint8_t* data, size_t size, size_t head, size_t tail) {
+    char* out = putBytes(data, head, mText);
+    for (int dot = 0; dot < 3; ++dot)
+        *out++ = '.';
+    *putBytes(data + size - tail, tail, out) = '\0';
 }
 
 void hexDump(const uint8_t* data, size_t size) {

@@ -5,7 +5,6 @@
 #include <stdint.h>
 
 #include <memory>
-#include <string>
 
 namespace android {
 
@@ -15,8 +14,24 @@ enum class HexCase { kLower, kUpper };
 // memory.
 std::unique_ptr<char[]> hexText(const uint8_t* data, size_t size, HexCase digits);
 
-// The same in upper case in one line, with a blank between bytes: for the few bytes of a log line.
-std::string hexBytes(const uint8_t* data, size_t size);
+// A few bytes in one line for the log, in upper case with a blank between them.
+class HexLine {
+  public:
+    static constexpr size_t kMaxBytes = 32;
+
+    // REQUIRES: size <= kMaxBytes.
+    HexLine(const uint8_t* data, size_t size);
+
+    // The first and the last bytes, "..." between them. REQUIRES: head + tail <= kMaxBytes, neither
+    // is 0 or above size.
+    HexLine(const uint8_t* data, size_t size, size_t head, size_t tail);
+
+    const char* text() const { return mText; }
+
+  private:
+    // Each byte takes three characters, less a blank; the dots three, in place of a blank.
+    char mText[3 * kMaxBytes + 2] = {};
+};
 
 // Logs bytes as lower-case hexText() at verbose priority while the extract-log switch is on.
 // Nothing is printed when the text cannot be allocated.

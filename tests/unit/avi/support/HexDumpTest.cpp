@@ -2,6 +2,7 @@
 
 #include "avi/support/HexDump.h"
 
+#include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -62,6 +63,25 @@ TEST_F(HexDump, EverySixteenthByteIsFollowedByALineFeed) {
 TEST_F(HexDump, NothingIsShownWhileTheSwitchIsOff) {
     gSwitches.extractLog = false;
     EXPECT_THAT(dump(3), IsEmpty());
+}
+
+TEST(HexLine, BytesAreUpperCaseWithBlanksBetween) {
+    const uint8_t bytes[] = {0xAB, 0x0C, 0xEF};
+    EXPECT_STREQ(HexLine(bytes, 3).text(), "AB 0C EF");
+    EXPECT_STREQ(HexLine(bytes, 1).text(), "AB");
+    EXPECT_STREQ(HexLine(bytes, 0).text(), "");
+}
+
+TEST(HexLine, EndsHaveDotsBetween) {
+    const uint8_t bytes[] = {0xAB, 0x0C, 0xEF, 0x12, 0x34};
+    EXPECT_STREQ(HexLine(bytes, 5, 2, 1).text(), "AB 0C...34");
+    EXPECT_STREQ(HexLine(bytes, 5, 1, 2).text(), "AB...12 34");
+}
+
+TEST(HexLine, HoldsAsManyBytesAsItSays) {
+    const std::vector<uint8_t> bytes(HexLine::kMaxBytes, 0x5A);
+    EXPECT_EQ(std::string(HexLine(bytes.data(), bytes.size()).text()).size(), 95u);
+    EXPECT_EQ(std::string(HexLine(bytes.data(), bytes.size(), 16, 16).text()).size(), 97u);
 }
 
 }  // namespace
