@@ -9,6 +9,7 @@
 #include <new>
 
 #include "source/Conversions.h"
+#include "source/FrameProbe.h"
 #include "source/RuvoAVISource.h"
 #include "support/Check.h"
 #include "support/HexDump.h"
@@ -38,7 +39,7 @@ media_status_t RuvoAVISource::loadChunk(Chunk* chunk) {
     }
     mBuffer.setRange(0, insertedBytes + chunk->size);
     if (!mTrack.isAudio) {
-        chunk->type = getFrameType(mBuffer.data(), insertedBytes + chunk->size);
+        chunk->type = getFrameType(mTrack, mBuffer.data(), insertedBytes + chunk->size);
     }
     return AMEDIA_OK;
 }

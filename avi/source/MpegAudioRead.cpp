@@ -28,9 +28,9 @@ media_status_t RuvoAVISource::readMpegAudioFrame(const Seek& seek, MediaBufferHe
     if (!mBuffer || mBuffer.rangeLength() < kMinRest) {
         const media_status_t err = loadMpegAudioChunk(&chunk);
         if (err != AMEDIA_OK) return err;
-        chunkTimeUs = calculateFrameDTS(FrameType::kUnknown, chunk.bytesBefore);
+        chunkTimeUs = mTimes.calculateFrameDTS(chunk);
         mLog.logChunk(chunk, mBuffer, chunkTimeUs, seek.timeUs);
-        if (seek.requested) shareSeekTime(chunk, chunkTimeUs);
+        if (seek.requested) mSeekTimes.share(chunk, chunkTimeUs);
     }
     return cutMpegAudioFrame(chunk, chunkTimeUs, out);
 }

@@ -19,7 +19,7 @@ media_status_t RuvoAVISource::read(MediaBufferHelper** out, const ReadOptions* o
 
     Seek request;
     int64_t seekTimeUs = 0;
-    SeekMode mode = SeekMode::SEEK_PREVIOUS_SYNC;
+    ReadOptions::SeekMode mode = ReadOptions::SeekMode::SEEK_PREVIOUS_SYNC;
     media_status_t err = AMEDIA_OK;
     if (options != nullptr && options->getSeekTo(&seekTimeUs, &mode)) {
         err = seek(seekTimeUs, mode, &request);
@@ -31,9 +31,9 @@ media_status_t RuvoAVISource::read(MediaBufferHelper** out, const ReadOptions* o
     Chunk chunk;
     err = loadNextChunk(&chunk);
     if (err != AMEDIA_OK) return err;
-    const int64_t timeUs = sampleTimeUs(chunk);
+    const int64_t timeUs = mTimes.sampleTimeUs(chunk, mBuffer.data());
     mLog.logChunk(chunk, mBuffer, timeUs, request.timeUs);
-    if (request.requested) shareSeekTime(chunk, timeUs);
+    if (request.requested) mSeekTimes.share(chunk, timeUs);
     err = convertPcm(chunk);
     if (err != AMEDIA_OK) return err;
     publishMetaData(mBuffer, timeUs, chunk.isSync || mTrack.isAudio);
@@ -41,6 +41,23 @@ media_status_t RuvoAVISource::read(MediaBufferHelper** out, const ReadOptions* o
         AMediaFormat_setInt64(mBuffer.metaData(), AMEDIAFORMAT_KEY_TARGET_TIME, request.targetUs);
     }
     returnBuffer(out, std::move(mBuffer), timeUs);
+    return AMEDIA_OK;
+}
+
+media_status_t RuvoAVISource::seek(int64_t requestedUs, ReadOptions::SeekMode mode, Seek* out) {
+    out->requested = true;
+    out->timeUs = mSeekTimes.followedTimeUs(requestedUs);
+    mLog.restart();
+    mBuffer.reset();
+    mChunkConsumed = 0;
+    mCutter.setTime(out->timeUs);
+    SeekLanding landing;
+    if (!mSeeker.getSampleIndexBySeekTime(out->timeUs, mode, &landing)) {
+        return endOfStream(LogPrefix(mTrack), __LINE__);
+    }
+    out->targetUs = landing.targetUs;
+    mChunkConsumed = landing.consumed;
+    mCurrentSampleIndex = landing.index;
     return AMEDIA_OK;
 }
 

@@ -24,9 +24,11 @@ RuvoAVISource::RuvoAVISource(Track* track, const FileReader& reader,
     : mFormat(track->meta.get()),
       mFormatLock(&track->mFormatLock),
       mTrack(track, reader),
-      mAudioSeekTimes(seekTimes),
       mLog(mTrack),
-      mCutter(mTrack.info) {}
+      mCutter(mTrack.info),
+      mTimes(mTrack),
+      mSeeker(mTrack),
+      mSeekTimes(mTrack, seekTimes) {}
 
 RuvoAVISource::~RuvoAVISource() {
     if (mStarted) RuvoAVISource::stop();

@@ -14,12 +14,14 @@
 #include <mutex>
 #include <string>
 
+#include "source/AudioSeekTimes.h"
 #include "source/Conversions.h"
-#include "source/FrameType.h"
+#include "source/FrameTimes.h"
 #include "source/MpegAudioCutter.h"
 #include "source/ReadFailure.h"
 #include "source/SampleBuffer.h"
 #include "source/SampleLog.h"
+#include "source/Seeker.h"
 #include "source/SourceTrack.h"
 
 namespace android {
@@ -90,40 +92,12 @@ class RuvoAVISource : public MediaTrackHelper {
     void logWholeChunk(const Chunk& loaded) const;
     status_t readNextChunk(uint8_t* dst, size_t wanted, ssize_t* got);
 
-    // source/Seeking.cpp
-    using SeekMode = ReadOptions::SeekMode;
-    media_status_t seek(int64_t requestedUs, SeekMode mode, Seek* out);
-    void shareSeekTime(const Chunk& chunk, int64_t landingUs);
-    status_t getSampleIndexBySeekTime(int64_t timeUs, SeekMode mode, int32_t* index,
-                                      int64_t* targetUs);
-    status_t beyondEnd(int line) const;
-    status_t seekVideo(int64_t timeUs, SeekMode mode, int32_t* index, int64_t* targetUs);
-    bool findNextSync(int32_t from, int32_t last, int32_t* index);
-    int32_t findPreviousSync(int32_t from);
-    bool landsOn(int32_t i, const char* label);
-    bool fixSyncSample(size_t i);
-    static bool isSyncFrame(FrameType type);
-    status_t seekBlocks(int64_t timeUs, int32_t* index);
-    status_t seekAudio(int64_t timeUs, int32_t* index);
-    size_t seekBytes(int64_t timeUs) const;
-    int64_t byteTimeUs(int64_t bytes) const;
-    int64_t getAudioSeekTimeByTrackId(int32_t trackId) const;
-    void setAllAudioSeekTime(int64_t timeUs);
-    void setAudioSeekTimeByTrackId(int32_t trackId, int64_t timeUs);
-
-    // source/FrameTime.cpp
-    FrameType getFrameType(const uint8_t* data, size_t size) const;
-    bool probeFrame(size_t i, FrameType* type) const;
-    int64_t followingBFrames() const;
-    int64_t sampleTimeUs(const Chunk& chunk) const;
-    int64_t calculateFrameDTS(FrameType type, uint32_t bytesBefore) const;
-    int64_t audioTimeUs(int64_t index, uint32_t bytesBefore) const;
+    media_status_t seek(int64_t requestedUs, ReadOptions::SeekMode mode, Seek* out);
 
     std::mutex mLock;
     AMediaFormat* mFormat;    // not owned; touched only with *mFormatLock held
     std::mutex* mFormatLock;  // not owned
     const SourceTrack mTrack;
-    const Vector<sp<RuvoAVISeekTime>>& mAudioSeekTimes;  // not owned
 
     bool mStarted = false;
     SampleLog mLog;
@@ -133,6 +107,9 @@ class RuvoAVISource : public MediaTrackHelper {
     // Being filled; between calls the rest of a chunk that is cut into frames.
     SampleBuffer mBuffer;
     MpegAudioCutter mCutter;
+    FrameTimes mTimes;
+    Seeker mSeeker;
+    AudioSeekTimes mSeekTimes;
 };
 
 }  // namespace android
