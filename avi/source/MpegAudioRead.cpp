@@ -47,7 +47,7 @@ media_status_t RuvoAVISource::loadMpegAudioChunk(Chunk* chunk) {
         if (err != AMEDIA_OK) return err;
     }
     mLog.beginRead();
-    if (!loadPlain(*chunk, rest)) {
+    if (!readChunk(mTrack, *chunk, mBuffer, rest)) {
         mBuffer.reset();
         return shortRead(mTrack, *chunk, __LINE__);
     }
@@ -73,7 +73,7 @@ media_status_t RuvoAVISource::appendMpegAudioChunk(size_t offset, size_t left, C
         return endOfStream(LogPrefix(mTrack, *chunk), __LINE__);
     }
     chunk->label = Chunk::Label::kWithoutMime;
-    if (!loadPlain(*chunk, left)) {
+    if (!readChunk(mTrack, *chunk, mBuffer, left)) {
         mBuffer.reset();
         return shortRead(mTrack, *chunk, __LINE__);
     }

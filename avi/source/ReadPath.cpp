@@ -29,13 +29,17 @@ media_status_t RuvoAVISource::read(MediaBufferHelper** out, const ReadOptions* o
     if (mCutter.isActive()) return readMpegAudioFrame(request, out);
 
     Chunk chunk;
-    err = loadNextChunk(&chunk);
+    if (!nextChunk(&chunk)) return endOfStream(LogPrefix(mTrack), __LINE__);
+    err = mLoader.load(&chunk, &mBuffer);
     if (err != AMEDIA_OK) return err;
     const int64_t timeUs = mTimes.sampleTimeUs(chunk, mBuffer.data());
     mLog.logChunk(chunk, mBuffer, timeUs, request.timeUs);
     if (request.requested) mSeekTimes.share(chunk, timeUs);
-    err = convertPcm(chunk);
-    if (err != AMEDIA_OK) return err;
+    err = mLoader.convertPcm(chunk, &mBuffer);
+    if (err != AMEDIA_OK) {
+        mBuffer.reset();
+        return err;
+    }
     publishMetaData(mBuffer, timeUs, chunk.isSync || mTrack.isAudio);
     if (request.targetUs >= 0) {
         AMediaFormat_setInt64(mBuffer.metaData(), AMEDIAFORMAT_KEY_TARGET_TIME, request.targetUs);
@@ -59,13 +63,6 @@ media_status_t RuvoAVISource::seek(int64_t requestedUs, ReadOptions::SeekMode mo
     mChunkConsumed = landing.consumed;
     mCurrentSampleIndex = landing.index;
     return AMEDIA_OK;
-}
-
-// Fills mBuffer with the next chunk.
-media_status_t RuvoAVISource::loadNextChunk(Chunk* chunk) {
-    if (!nextChunk(chunk)) return endOfStream(LogPrefix(mTrack), __LINE__);
-    const media_status_t err = mBuffers.acquireForChunk(&mBuffer);
-    return err == AMEDIA_OK ? loadChunk(chunk) : err;
 }
 
 // Takes the next chunk off the table. Empty chunks are skipped, but for streams that count bytes.

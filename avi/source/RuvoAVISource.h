@@ -15,7 +15,7 @@
 #include <string>
 
 #include "source/AudioSeekTimes.h"
-#include "source/Conversions.h"
+#include "source/ChunkLoader.h"
 #include "source/FrameTimes.h"
 #include "source/MpegAudioCutter.h"
 #include "source/ReadFailure.h"
@@ -62,20 +62,8 @@ class RuvoAVISource : public MediaTrackHelper {
 
     // source/ReadPath.cpp
     bool nextChunk(Chunk* out);
-    media_status_t loadNextChunk(Chunk* chunk);
     static void publishMetaData(const SampleBuffer& buffer, int64_t timeUs, bool isSync);
     void returnBuffer(MediaBufferHelper** out, SampleBuffer buffer, int64_t timeUs);
-
-    // source/LoadChunk.cpp
-    media_status_t loadChunk(Chunk* chunk);
-    bool loadPlain(const Chunk& chunk, size_t position);
-    bool loadVc1(Chunk* chunk, size_t* insertedBytes);
-    bool loadLengthPrefixed(const Chunk& chunk);
-    size_t convertLengthPrefixed(const Chunk& chunk, const uint8_t* sample);
-    void logNal(int priority, const Chunk& chunk, const uint8_t* sample, const PrefixedNal& unit,
-                unsigned number, const char* verdict) const;
-    media_status_t convertPcm(const Chunk& chunk);
-    media_status_t convertPcm8(const Chunk& chunk);
 
     // source/MpegAudioRead.cpp
     media_status_t readMpegAudioFrame(const Seek& seek, MediaBufferHelper** out);
@@ -106,6 +94,7 @@ class RuvoAVISource : public MediaTrackHelper {
     uint32_t mChunkConsumed = 0;  // bytes of the next chunk that went out already
     // Being filled; between calls the rest of a chunk that is cut into frames.
     SampleBuffer mBuffer;
+    ChunkLoader mLoader;
     MpegAudioCutter mCutter;
     FrameTimes mTimes;
     Seeker mSeeker;
