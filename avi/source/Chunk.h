@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "source/FrameType.h"
+#include "source/SourceTrack.h"
 
 namespace android {
 
@@ -24,6 +25,27 @@ struct Chunk {
     uint32_t bytesBefore = 0;  // of the stream, where the table counts bytes
     bool isSync = false;
     std::optional<FrameType> type;  // of a frame that was loaded; audio has none
+};
+
+// Walks the rows of the table. Invariant: next() <= table size, unless moveTo() said otherwise.
+class ChunkCursor {
+  public:
+    explicit ChunkCursor(const SourceTrack& track) : mTrack(track) {}
+
+    // Takes the next chunk; false at the end of the table. Empty chunks are skipped, but for
+    // streams that count bytes.
+    bool take(Chunk* out);
+
+    // Row of the next chunk.
+    uint32_t next() const { return mNext; }
+    void moveTo(uint32_t index) { mNext = index; }
+
+    // Row before it. REQUIRES: a chunk was taken.
+    uint32_t last() const { return mNext - 1; }
+
+  private:
+    const SourceTrack& mTrack;
+    uint32_t mNext = 0;
 };
 
 }  // namespace android

@@ -51,6 +51,14 @@ class SampleBuffer {
     size_t mCapacity = 0;
 };
 
+// A buffer that goes out as the next sample, and what its metadata say.
+struct Sample {
+    SampleBuffer buffer;
+    int64_t timeUs = 0;
+    int64_t targetUs = -1;  // of the frame that a seek asked for, where it is not this one
+    bool isSync = false;
+};
+
 // Acquires the buffers of a started source.
 class SampleBufferPool {
   public:
