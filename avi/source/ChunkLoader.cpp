@@ -15,8 +15,8 @@
 
 namespace android {
 
-// Units of a sample that are logged one by one: no encoder makes so many, but a sample of zeros has
-// one a byte, and logging them all would stall the player.
+// Units of a sample that are logged one by one unless all logs are asked for: no encoder makes so
+// many, but a sample of zeros has one a byte, and logging them all would stall the player.
 static constexpr unsigned kLoggedUnits = 1000;
 
 bool readChunk(const SourceTrack& track, const Chunk& chunk, const SampleBuffer& buffer,
@@ -86,12 +86,12 @@ size_t ChunkLoader::convertLengthPrefixed(const Chunk& chunk, const uint8_t* sam
     uint8_t* data = out.data();
     size_t dstOffset = 0;
     unsigned number = 1;
-    unsigned unlogged = mLog.isEnableLogOutput(chunk.index) ? kLoggedUnits : 0;
+    unsigned unitsToLog = mLog.isEnableLogOutput(chunk.index) ? kLoggedUnits : 0;
     PrefixedNal unit;
     PrefixedNalReader units(sample, chunk.size, static_cast<size_t>(mTrack.info.mAVCSizeLength));
     while (units.next(&unit)) {
-        if (unlogged > 0) {
-            --unlogged;
+        if (unitsToLog > 0) {
+            if (!verboseLogEnabled()) --unitsToLog;
             logNal(ANDROID_LOG_DEBUG, chunk, sample, unit, number,
                    unit.isWhole ? "GOOD NAL" : "MALFORMED");
         }

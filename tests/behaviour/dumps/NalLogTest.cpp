@@ -121,6 +121,16 @@ TEST_F(NalLog, ThousandUnitsOfASampleAreEnough) {
     EXPECT_EQ(1u, mLog.count("MALFORMED!!!"));
 }
 
+TEST_F(NalLog, VerboseLogShowsEveryUnitOfASample) {
+    setProperty(kVerboseLogProperty, "1");
+    Bytes zeros(5000);
+    zeros.push_back(9);
+    openStream(lengthPrefixedStream(1), {zeros});
+    readAll(0);
+    EXPECT_EQ(5000u, mLog.count("GOOD NAL"));
+    EXPECT_EQ(2u, mLog.count("MALFORMED"));
+}
+
 TEST_F(NalLog, CutUnitsAreErrorsWhateverIsLogged) {
     openStream(lengthPrefixedStream(4), std::vector<Bytes>(20, {0, 0, 0, 9, 0x41}));
     readAll(0);
