@@ -3,6 +3,8 @@
 
 #include <media/stagefright/MediaErrors.h>
 
+#include <limits>
+
 namespace android {
 
 int64_t FileReader::askSize() const {
@@ -17,6 +19,9 @@ bool FileReader::holds(int64_t offset, size_t size) const {
 }
 
 ssize_t FileReader::readAt(int64_t offset, void* out, size_t size) const {
+    const bool isPosition =
+        offset >= 0 && size <= static_cast<uint64_t>(std::numeric_limits<int64_t>::max() - offset);
+    if (!isPosition) return ERROR_IO;
     const std::lock_guard<std::mutex> lock(mLock);
     return mSource->readAt(offset, out, size);
 }

@@ -35,7 +35,8 @@ class FileReader {
     // allocated.
     bool holds(int64_t offset, size_t size) const;
 
-    // Reads up to `size` bytes: the number that came, or a negative error.
+    // Reads up to `size` bytes: the number that came, or a negative error. No file has bytes below
+    // 0 or beyond the range of int64_t, whatever an index says: the source is not asked for them.
     ssize_t readAt(int64_t offset, void* out, size_t size) const;
 
     // Reads exactly `size` bytes; false when another number came back.

@@ -67,7 +67,7 @@ bool ChunkLoader::loadVc1(Chunk* chunk, const SampleBuffer& out, size_t* inserte
 // usual prefixes of four bytes.
 bool ChunkLoader::loadLengthPrefixed(const Chunk& chunk, const SampleBuffer& out) {
     const int64_t fileSize = mTrack.reader.askSize();
-    if (chunk.size > out.capacity() || (fileSize > 0 && chunk.offset + chunk.size > fileSize)) {
+    if (chunk.size > out.capacity() || (fileSize > 0 && chunk.offset > fileSize - chunk.size)) {
         return false;
     }
     const std::unique_ptr<uint8_t[]> sample(new (std::nothrow) uint8_t[chunk.size]);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "source/ReadFailure.h"
 
+#include <algorithm>
+
 #include "support/Log.h"
 
 namespace android {
@@ -18,7 +20,8 @@ media_status_t unknownError(const LogPrefix& prefix, int line) {
 
 media_status_t shortRead(const SourceTrack& track, const Chunk& chunk, int line) {
     const LogPrefix prefix(track, chunk);
-    const bool atFileEnd = track.reader.askSize() <= chunk.offset + chunk.size;
+    const int64_t fileSize = std::max<int64_t>(track.reader.askSize(), 0);
+    const bool atFileEnd = chunk.offset >= fileSize - chunk.size;
     return atFileEnd ? endOfStream(prefix, line) : unknownError(prefix, line);
 }
 
