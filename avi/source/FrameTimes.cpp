@@ -9,11 +9,17 @@
 
 namespace android {
 
-int64_t FrameTimes::sampleTimeUs(const Chunk& chunk, const uint8_t* data) const {
+int64_t BFrameRow::countFrom(size_t i) const {
+    const auto passedOver =
+        unreadable.end() - std::lower_bound(unreadable.begin(), unreadable.end(), i);
+    return static_cast<int64_t>(end - i) - passedOver;
+}
+
+int64_t FrameTimes::sampleTimeUs(const Chunk& chunk, const uint8_t* data) {
     return mTrack.info.mIsSubtitle ? getSubtitleDts(data, chunk.size) : calculateFrameDTS(chunk);
 }
 
-int64_t FrameTimes::calculateFrameDTS(const Chunk& chunk) const {
+int64_t FrameTimes::calculateFrameDTS(const Chunk& chunk) {
     const TrackInfo& info = mTrack.info;
     const bool excluding = info.mIsExcludingInvalidData;
     const int64_t index = int64_t{chunk.index} - (excluding ? info.mInvalidSampleIdx : 0);
@@ -47,15 +53,23 @@ int64_t FrameTimes::audioTimeUs(int64_t index, uint32_t bytesBefore) const {
 
 // B-frames that directly follow one another from entry `first` on. Unreadable entries are passed
 // over: they lie after the end of a cut file.
-int64_t FrameTimes::followingBFrames(size_t first) const {
-    int64_t count = 0;
-    for (size_t i = first; i < mTrack.table.size(); ++i) {
-        const std::optional<FrameType> type = probeFrame(mTrack, i);
-        if (!type) continue;
-        if (type != FrameType::kBidirectional) break;
-        ++count;
+int64_t FrameTimes::followingBFrames(size_t first) {
+    if (!mRow.knows(first)) mRow = findRow(first);
+    return mRow.countFrom(first);
+}
+
+BFrameRow FrameTimes::findRow(size_t first) const {
+    BFrameRow row;
+    row.begin = first;
+    for (row.end = first; row.end < mTrack.table.size(); ++row.end) {
+        const std::optional<FrameType> type = probeFrame(mTrack, row.end);
+        if (!type) {
+            row.unreadable.push_back(static_cast<uint32_t>(row.end));
+        } else if (type != FrameType::kBidirectional) {
+            break;
+        }
     }
-    return count;
+    return row;
 }
 
 }  // namespace android
