@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "source/SubtitleTime.h"
 
+#include <algorithm>
+
+#include "support/Arithmetic.h"
+
 namespace android {
 
 int64_t getSubtitleDts(const uint8_t* data, size_t size) {
@@ -11,7 +15,8 @@ int64_t getSubtitleDts(const uint8_t* data, size_t size) {
     const int64_t minutes = digit(4) * 10 + digit(5);
     const int64_t seconds = digit(7) * 10 + digit(8);
     const int64_t milliseconds = digit(10) * 100 + digit(11) * 10 + digit(12);
-    return ((hours * 60 + minutes) * 60 + seconds) * 1000000 + milliseconds * 1000;
+    return std::max<int64_t>(
+        ((hours * 60 + minutes) * 60 + seconds) * kUsPerSecond + milliseconds * 1000, 0);
 }
 
 }  // namespace android

@@ -38,9 +38,14 @@ TEST(SubtitleTime, SeparatorsAreNotRead) {
 
 TEST(SubtitleTime, OtherCharactersCountByTheirDistanceFromZero) {
     EXPECT_EQ(timeOf("[00:00:0:.000"), 10000000);   // ':' follows '9'
-    EXPECT_EQ(timeOf("[00:00:0/.000"), -1000000);   // '/' precedes '0'
+    EXPECT_EQ(timeOf("[00:00:1/.000"), 9000000);    // '/' precedes '0'
     EXPECT_EQ(timeOf("[00:00:00.00\xFF"), 207000);  // a character is 0 to 255
-    EXPECT_EQ(timeOf("[  :00:00.000"), int64_t{-16 * 11} * 3600 * 1000000);
+}
+
+TEST(SubtitleTime, IsNeverNegative) {
+    EXPECT_EQ(timeOf("[00:00:0/.000"), 0);
+    EXPECT_EQ(timeOf("[  :00:00.000"), 0);
+    EXPECT_EQ(timeOf(std::string(13, '\0')), 0);
 }
 
 TEST(SubtitleTime, ChunkTooShortForATimeHasNone) {
