@@ -83,8 +83,8 @@ TEST_F(DtsSubstream, WithoutStaticFieldsTheFormatIsADefault) {
 }
 
 // Without static fields nothing of what follows their flag is needed, so that the header may end
-// anywhere behind it: the flag is bit 68, or 76 of a large header.
-TEST_F(DtsSubstream, WithoutStaticFieldsTheHeaderMayEndBehindTheirFlag) {
+// anywhere after it: the flag is bit 68, or 76 of a large header.
+TEST_F(DtsSubstream, WithoutStaticFieldsTheHeaderMayEndAfterTheirFlag) {
     mHeader.staticFields = false;
     for (const bool large : {false, true}) {
         mHeader.large = large;

@@ -24,7 +24,7 @@ Bytes head(const Bytes& bytes, size_t size) {
 // Entries of 28 (VPS), 44 (SPS) and 11 (PPS) bytes, start codes included.
 class HevcSetOrder : public HevcTest {
   protected:
-    // The record of a sequence header of `end` bytes with these entries behind the array headers.
+    // The record of a sequence header of `end` bytes with these entries after the array headers.
     static Bytes recordOf(size_t end, const Bytes& vps, const Bytes& sps, const Bytes& pps) {
         Bytes record =
             kHevcRecordHeader + Bytes{0xA0} + vps + Bytes{0xA1} + sps + Bytes{0xA2} + pps;
@@ -80,8 +80,8 @@ TEST_F(HevcSetOrder, SequenceSetAgainAtTheEnd) {
                                                 prefix(21) + mPps + kCode + again));
 }
 
-// What an entry lacks behind the end of the sample is left out.
-TEST_F(HevcSetOrder, EntryThatReachesBehindTheSampleIsCut) {
+// What an entry lacks beyond the end of the sample is left out.
+TEST_F(HevcSetOrder, EntryThatReachesBeyondTheSampleIsCut) {
     const Bytes again = nal(0x40, 12);
     openFirst(mSets + unit4(again) + unit4({0x26}));
     EXPECT_EQ(record(), recordOf(99, kCode + again + kCode + Bytes{0x26}, prefix(40) + mSps,
@@ -89,7 +89,7 @@ TEST_F(HevcSetOrder, EntryThatReachesBehindTheSampleIsCut) {
     EXPECT_FALSE(isBad());
 }
 
-TEST_F(HevcSetOrder, UnitInFrontLendsItsLengthToTheSetThatHadNotCome) {
+TEST_F(HevcSetOrder, UnitBeforeTheSetsCountsForTheSetThatHadNotCome) {
     const Bytes front = unit4(nal(0x46, 26));
     const Bytes vps = kCode + mVps + head(prefix(7) + mPps, 2);
     expectRecord(front + unit4(mSps) + unit4(mVps) + unit4(mPps),

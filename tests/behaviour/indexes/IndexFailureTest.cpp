@@ -270,7 +270,7 @@ TEST_F(IndexDamage, FailureEndsTheSuperIndex) {
     EXPECT_EQ(0u, mLog.count("start parseChunkIndex(2) @("));
 }
 
-// The index in front of it stays the reason not to look for another one.
+// Whatever the first one listed: a stream is indexed completely or not at all.
 TEST_F(IndexDamage, SecondIndexThatFailsLeavesTheStreamToIdx1) {
     AviFile avi = twoStreamFile();
     avi.stream(0).openDml = OpenDml::kStandard;
@@ -284,7 +284,7 @@ TEST_F(IndexDamage, SecondIndexThatFailsLeavesTheStreamToIdx1) {
     EXPECT_FALSE(scanned());
 }
 
-TEST_F(IndexDamage, IndexBehindOneThatFailsFillsTheTable) {
+TEST_F(IndexDamage, IndexAfterOneThatFailsFillsTheTable) {
     AviFile avi = twoStreamFile();
     avi.segment().index.copies = 0;
     avi.stream(0).openDml = OpenDml::kStandard;

@@ -135,7 +135,7 @@ TEST_F(MoviScanEnd, LargestSizesAreIncomplete) {
     }
 }
 
-// The end is told in 64 bits, made even, although the size is the largest.
+// The end is logged in 64 bits, made even, although the size is the largest.
 TEST_F(MoviScanEnd, EndOfAnIncompleteChunkDoesNotWrap) {
     for (const uint32_t size : {0xFFFFFFFFU, 0xFFFFFFFEU}) {
         for (const ChunkId id : {ChunkId("00dc"), ChunkId("LIST")}) {

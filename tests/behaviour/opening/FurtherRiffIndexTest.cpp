@@ -100,7 +100,7 @@ TEST_F(FurtherRiffIndex, OneInFrontOfMoviCountsAsAnIndex) {
     EXPECT_EQ(0u, mLog.count("This riff doesn't have index."));
 }
 
-TEST_F(FurtherRiffIndex, OneBehindMoviIsReadAlthoughAnotherStandsInFront) {
+TEST_F(FurtherRiffIndex, OneAfterMoviIsReadDespiteOneBeforeIt) {
     AviFile avi = twoSegmentFile();
     avi.segment(1).edit = [](Chunk& riff) { riff.insert(0, Chunk("idx1", Bytes(16))); };
     setProperty(kExtractLogProperty, "1");

@@ -101,7 +101,7 @@ TEST_F(FurtherRiffWalk, ChunkAtThePositionOfTheSizeIsNotWalked) {
     EXPECT_EQ(1u, mLog.count("This riff doesn't have index."));
 }
 
-// Eight bytes less than the file: the size that the header would have in front of the whole file.
+// Eight bytes less than the file: as if this header stood before the whole file.
 TEST_F(FurtherRiffWalk, SizeUpToTheFilesEndIsNotChunked) {
     AviFile avi = twoSegmentFile();
     avi.segment(1).afterIndex = {Chunk("STRY")};  // in the last eight bytes, which are not walked
@@ -225,7 +225,7 @@ TEST_F(FurtherRiffWalk, SixtyUnknownChunksInFrontOfMoviLiftTheLimit) {
     EXPECT_EQ(0u, mLog.count(kStop));
 }
 
-TEST_F(FurtherRiffWalk, FiftyUnknownChunksInFrontOfMoviAndOneBehindEndTheWalk) {
+TEST_F(FurtherRiffWalk, FiftyUnknownChunksBeforeMoviAndOneAfterEndTheWalk) {
     AviFile avi = twoSegmentFile();
     avi.segment(1).beforeMovi = strays(50);
     avi.segment(1).afterMovi = strays(1);
@@ -237,7 +237,7 @@ TEST_F(FurtherRiffWalk, FiftyUnknownChunksInFrontOfMoviAndOneBehindEndTheWalk) {
     EXPECT_EQ(1u, mLog.count("This riff doesn't have index."));
 }
 
-TEST_F(FurtherRiffWalk, FiftyOneUnknownChunksInFrontOfMoviLiftTheLimit) {
+TEST_F(FurtherRiffWalk, FiftyOneUnknownChunksBeforeMoviLiftTheLimit) {
     AviFile avi = twoSegmentFile();
     avi.segment(1).beforeMovi = strays(51);
     avi.segment(1).afterMovi = strays(60);

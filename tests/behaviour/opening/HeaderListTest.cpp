@@ -203,7 +203,7 @@ TEST_F(HeaderListAtTheEnd, EightBytesOfSizeZeroEndTheWalkQuietly) {
 }
 
 // What zeros cut off is missing as if the list had ended there.
-TEST_F(HeaderListAtTheEnd, ZerosInPlaceOfAnAnnouncedStreamAreMalformed) {
+TEST_F(HeaderListAtTheEnd, ZerosInPlaceOfADeclaredStreamAreMalformed) {
     AviFile avi = twoStreamFile();
     avi.segment().edit = [](Chunk& riff) { riff.arrange({"movi", "idx1", "hdrl"}); };
     Bytes file = avi.build();
@@ -228,7 +228,7 @@ TEST_F(HeaderListAtTheEnd, ZerosInPlaceOfTheMainHeaderAreMalformed) {
     EXPECT_THAT(log(), Contains(Text(corrupted(cut, endOf(avi.place("hdrl")), false, 0, 0))));
 }
 
-TEST_F(HeaderListAtTheEnd, ZerosBehindTheAnnouncedStreamsDoNoHarm) {
+TEST_F(HeaderListAtTheEnd, ZerosAfterTheDeclaredStreamsDoNoHarm) {
     AviFile avi = twoStreamFile();
     avi.header.streams = 1;
     avi.segment().edit = [](Chunk& riff) { riff.arrange({"movi", "idx1", "hdrl"}); };
@@ -238,7 +238,7 @@ TEST_F(HeaderListAtTheEnd, ZerosBehindTheAnnouncedStreamsDoNoHarm) {
     file.resize(cut + 8);
     openFile(file);
     EXPECT_EQ(1u, countTracks());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));  // by a scan: the index came before the stream
+    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));  // by a scan: the index came first
 }
 
 TEST_F(HeaderListAtTheEnd, EightBytesWithASizeAreAnIoError) {
@@ -246,7 +246,7 @@ TEST_F(HeaderListAtTheEnd, EightBytesWithASizeAreAnIoError) {
     EXPECT_THAT(log(), Contains(error("parseHDRL(): error -3EC @line2887")));
 }
 
-// A file with a second header list, of one video stream, behind the first.
+// A file with a second header list, of one video stream, after the first.
 class SecondHeaderList : public HeaderList {
   protected:
     // `edit` changes the second one.

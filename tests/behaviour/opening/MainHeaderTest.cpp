@@ -71,7 +71,7 @@ TEST_F(AvihChunk, WidthAndHeightAreTheDisplaySize) {
     EXPECT_EQ(360, trackFormat(0).getInt32(AMEDIAFORMAT_KEY_DISPLAY_HEIGHT));
 }
 
-// A main header of this size that announces as many streams.
+// A main header of this size that declares as many streams.
 Chunk otherHeader(uint32_t width, uint32_t height, uint32_t streams) {
     MainHeader header;
     header.width = width;
@@ -92,7 +92,7 @@ TEST_F(AvihChunk, SecondOneReplacesTheFirst) {
     EXPECT_EQ(576, trackFormat(0).getInt32(AMEDIAFORMAT_KEY_DISPLAY_HEIGHT));
 }
 
-TEST_F(AvihChunk, SecondOneBehindAStreamLeavesItsSize) {
+TEST_F(AvihChunk, SecondOneAfterAStreamLeavesItsSize) {
     AviFile avi = videoFile();
     avi.header.width = 640;
     avi.header.height = 360;
@@ -103,7 +103,7 @@ TEST_F(AvihChunk, SecondOneBehindAStreamLeavesItsSize) {
     EXPECT_EQ(360, trackFormat(0).getInt32(AMEDIAFORMAT_KEY_DISPLAY_HEIGHT));
 }
 
-TEST_F(AvihChunk, LastOneAnnouncesTheStreams) {
+TEST_F(AvihChunk, LastOneDeclaresTheStreams) {
     AviFile avi = videoFile();
     avi.editHeaders = [](Chunk& hdrl) { hdrl.add(otherHeader(320, 240, 2)); };
     openFile(avi.build());

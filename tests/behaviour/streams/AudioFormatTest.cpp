@@ -117,7 +117,7 @@ TEST_F(AudioFormat, ExtraSizeHas16Bits) {
 }
 
 // That line is of video alone.
-TEST_F(AudioFormat, ExtraDataIsNotAnnounced) {
+TEST_F(AudioFormat, ExtraDataIsNotLoggedAsThatOfVideo) {
     for (const uint16_t size : {24, 25, 60, 1000}) {
         SCOPED_TRACE(size);
         ASSERT_EQ(2u, openWithRest(ByteWriter().u16(size).bytes(patternBytes(size)).take()));
