@@ -10,7 +10,8 @@
 #include <algorithm>
 #include <memory>
 
-#include "codec/AvcConfig.h"
+#include "codec/AvcNalUnits.h"
+#include "codec/AvcRecord.h"
 #include "codec/ReadSample.h"
 #include "codec/SequenceParameterSet.h"
 #include "support/HexDump.h"

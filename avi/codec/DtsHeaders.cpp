@@ -9,6 +9,7 @@
 
 #include "support/GracefulBits.h"
 #include "support/Log.h"
+#include "support/PaddedBytes.h"
 
 namespace android {
 
@@ -17,6 +18,7 @@ namespace {
 constexpr uint32_t kCoreSync = 0x7FFE8001;
 constexpr uint32_t kCoreSync14Bit = 0x1FFFE800;
 constexpr uint32_t kSubstreamSync = 0x64582025;
+constexpr size_t kSyncSize = 4;
 
 // What an extension substream holds, by the word behind its header.
 constexpr uint32_t kLosslessAsset = 0x41A29547;
@@ -54,32 +56,18 @@ const char* mimeOf(DtsType type) {
     return type == kExpress ? kMimeDtsExpress : MEDIA_MIMETYPE_AUDIO_DTS;
 }
 
-// The part of a frame that begins at its sync. Bytes beyond it read as 0.
-struct Frame {
-    const uint8_t* data;
-    size_t size;
-
-    uint32_t byteAt(size_t i) const { return i < size ? data[i] : 0; }
-    bool wordAt(size_t i, uint32_t* out) const {
-        if (size < 4 || i > size - 4) return false;
-        *out = U32_AT(data + i);
-        return true;
-    }
-    Frame from(size_t i) const { return i < size ? Frame{data + i, size - i} : Frame{data, 0}; }
-};
-
 struct SubstreamHeader {
     bool isLarge;
     size_t size;
     size_t assetSizeBits;
 };
 
-SubstreamHeader readSubstreamHeader(const Frame& frame) {
+SubstreamHeader readSubstreamHeader(const PaddedBytes& frame) {
     const uint32_t b5 = frame.byteAt(5);
     SubstreamHeader header;
     header.isLarge = (b5 & 0x20) != 0;
     const uint32_t word = (b5 & 0x1F) << 8 | frame.byteAt(6);
-    // Not the whole field of the standard, but what the devices' decoders go by.
+    // nuExtSSHeaderSize: 8 bits, or 12 of a large header.
     header.size = (word >> (header.isLarge ? 1 : 5)) + 1;
     header.assetSizeBits = header.isLarge ? 20 : 16;
     return header;
@@ -128,8 +116,8 @@ void readAsset(GracefulBits* bits, DtsFormat* out) {
 }
 
 // Reads the substream header; false when it ends before its fields.
-bool readSubstreamFields(const Frame& frame, const SubstreamHeader& header, DtsFormat* out) {
-    GracefulBits bits(frame.data, std::min(frame.size, header.size));
+bool readSubstreamFields(const PaddedBytes& frame, const SubstreamHeader& header, DtsFormat* out) {
+    GracefulBits bits(frame.data(), std::min(frame.size(), header.size));
     bits.skip(40);
     const uint32_t substreamIndex = bits.u(2);
     bits.skip(header.isLarge ? 33 : 25);
@@ -146,22 +134,21 @@ bool readSubstreamFields(const Frame& frame, const SubstreamHeader& header, DtsF
 }
 
 // FSIZE of the core header: 14 bits behind sync, frame type, deficit, CRC flag and block count.
-uint32_t coreFrameSizeField(const Frame& core) {
-    return (core.byteAt(5) & 3) << 12 | core.byteAt(6) << 4 | core.byteAt(7) >> 4;
+uint32_t coreFrameSizeField(const PaddedBytes& core) {
+    return (core.byteAt(5) & 3u) << 12 | uint32_t{core.byteAt(6)} << 4 | core.byteAt(7) >> 4u;
 }
 
-bool parseSubstream(const Frame& frame, DtsFormat* out) {
+bool parseSubstream(const PaddedBytes& frame, DtsFormat* out) {
     constexpr size_t kSizeFieldsEnd = 7;
-    if (frame.size < kSizeFieldsEnd) return false;
+    if (frame.size() < kSizeFieldsEnd) return false;
     const SubstreamHeader header = readSubstreamHeader(frame);
-    uint32_t sync = 0;
-    if (!frame.wordAt(header.size, &sync)) return false;
+    if (header.size + kSyncSize > frame.size()) return false;
+    const uint32_t sync = frame.wordAt(header.size);
     AVI_LOGV("syncValue 0x%x", sync);
     if (sync == kSubstreamCore) {
-        const Frame core = frame.from(header.size);
-        parseDtsCoreHeader(core.data, core.size, &out->channels, &out->rate);
-        uint32_t sync2 = 0;
-        frame.wordAt(header.size + coreFrameSizeField(core) + 1, &sync2);
+        const PaddedBytes core = frame.from(header.size);
+        parseDtsCoreHeader(core.data(), core.size(), &out->channels, &out->rate);
+        const uint32_t sync2 = frame.wordAt(header.size + coreFrameSizeField(core) + 1);
         AVI_LOGV("syncValue2 0x%x", sync2);
         out->type = sync2 == kLosslessAsset ? kHd : kCore;
         return true;
@@ -179,12 +166,12 @@ bool isDtsSync(const uint8_t* data) {
 }
 
 void parseDtsCoreHeader(const uint8_t* data, size_t size, uint32_t* channels, uint32_t* rate) {
-    const Frame frame = {data, size};
-    const uint32_t mode = (frame.byteAt(7) & 15) << 2 | frame.byteAt(8) >> 6;
+    const PaddedBytes frame(data, size);
+    const uint32_t mode = (frame.byteAt(7) & 15u) << 2 | frame.byteAt(8) >> 6u;
     AVI_LOGV("Core substream channelMode %u", mode);
-    const uint32_t lfe = frame.byteAt(10) >> 1 & 3;
+    const uint32_t lfe = frame.byteAt(10) >> 1u & 3;
     AVI_LOGV("Core substream lowFreqEffectsFlag %u", lfe);
-    const uint32_t rateIndex = frame.byteAt(8) >> 2 & 15;
+    const uint32_t rateIndex = frame.byteAt(8) >> 2u & 15;
     AVI_LOGV("Core substream samplingFreqIndex %u", rateIndex);
     if (channels != nullptr) {
         *channels = (mode < 16 ? kCoreChannels[mode] : 2) + (lfe != 0 ? 1 : 0);
@@ -194,20 +181,19 @@ void parseDtsCoreHeader(const uint8_t* data, size_t size, uint32_t* channels, ui
 
 status_t parseDtsMetaData(AMediaFormat* meta, const sp<ABuffer>& sample) {
     constexpr size_t kMinSize = 5;
-    constexpr size_t kSyncSize = 4;
     if (sample->size() < kMinSize) return ERROR_MALFORMED;
     size_t offset = 0;
     while (!isDtsSync(sample->data() + offset)) {
         ++offset;
         if (offset + kSyncSize >= sample->size()) return ERROR_MALFORMED;
     }
-    const Frame frame = {sample->data() + offset, sample->size() - offset};
-    const uint32_t sync = U32_AT(frame.data);
+    const PaddedBytes frame(sample->data() + offset, sample->size() - offset);
+    const uint32_t sync = U32_AT(frame.data());
     AVI_LOGV("offset %zd, startCode 0x%x", static_cast<ssize_t>(offset), sync);
 
     DtsFormat format;
     if (sync == kCoreSync) {
-        parseDtsCoreHeader(frame.data, frame.size, &format.channels, &format.rate);
+        parseDtsCoreHeader(frame.data(), frame.size(), &format.channels, &format.rate);
     } else if (sync == kSubstreamSync && !parseSubstream(frame, &format)) {
         return ERROR_MALFORMED;
     }

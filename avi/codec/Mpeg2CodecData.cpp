@@ -4,13 +4,11 @@
 // (ISO/IEC 13818-2, 6.2.2), in an elementary stream descriptor.
 #include "codec/Mpeg2CodecData.h"
 
-#include <algorithm>
-#include <iterator>
-
 #include "codec/Esds.h"
 #include "codec/ReadSample.h"
 #include "support/HexDump.h"
 #include "support/Log.h"
+#include "support/StartCode.h"
 
 namespace android {
 
@@ -18,12 +16,15 @@ namespace {
 
 // Bytes in front of the first picture start code; all of them when there is no picture.
 size_t sequenceHeaderLength(const sp<ABuffer>& sample) {
-    static constexpr uint8_t kPictureStartCode[] = {0x00, 0x00, 0x01, 0x00};
-    const uint8_t* begin = sample->data();
-    const uint8_t* end = begin + sample->size();
-    const uint8_t* picture =
-        std::search(begin, end, std::begin(kPictureStartCode), std::end(kPictureStartCode));
-    return static_cast<size_t>(picture - begin);
+    constexpr uint8_t kPicture = 0x00;  // the byte after the prefix
+    const uint8_t* data = sample->data();
+    const size_t size = sample->size();
+    for (size_t next = 0; next < size;) {
+        const size_t code = findStartCodePrefix(data, size, next);
+        next = code + kStartCodePrefixSize;
+        if (next < size && data[next] == kPicture) return code;
+    }
+    return size;
 }
 
 }  // namespace

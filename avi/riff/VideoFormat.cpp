@@ -4,7 +4,8 @@
 #include <media/NdkMediaFormatRuvo.h>
 #include <media/stagefright/foundation/MediaDefs.h>
 
-#include "codec/AvcConfig.h"
+#include "codec/AvcNalUnits.h"
+#include "codec/AvcRecord.h"
 #include "riff/CodecTables.h"
 #include "support/ByteReader.h"
 #include "support/HexDump.h"

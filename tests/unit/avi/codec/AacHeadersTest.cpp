@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/unit/avi/source/ExactBytes.h"
+#include "tests/unit/avi/ExactBytes.h"
 
 namespace android {
 namespace {

@@ -10,7 +10,7 @@
 #include <media/stagefright/MediaErrors.h>
 
 #include "service/MediaFormat.h"
-#include "tests/unit/avi/source/ExactBytes.h"
+#include "tests/unit/avi/ExactBytes.h"
 
 namespace android {
 namespace {

@@ -9,7 +9,7 @@
 
 #include "avi/support/Switches.h"
 #include "tests/support/LogCapture.h"
-#include "tests/unit/avi/source/ExactBytes.h"
+#include "tests/unit/avi/ExactBytes.h"
 
 namespace android {
 namespace {

@@ -8,7 +8,7 @@
 
 #include <media/stagefright/foundation/avc_utils.h>
 
-#include "tests/unit/avi/source/ExactBytes.h"
+#include "tests/unit/avi/ExactBytes.h"
 #include "tests/unit/platform/SpsBuilder.h"
 
 namespace android {

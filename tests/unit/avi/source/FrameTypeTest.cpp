@@ -7,7 +7,7 @@
 #include <ostream>
 #include <string>
 
-#include "tests/unit/avi/source/ExactBytes.h"
+#include "tests/unit/avi/ExactBytes.h"
 
 namespace android {
 

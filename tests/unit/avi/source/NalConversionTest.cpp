@@ -7,7 +7,7 @@
 #include <ostream>
 
 #include "source/Conversions.h"
-#include "tests/unit/avi/source/ExactBytes.h"
+#include "tests/unit/avi/ExactBytes.h"
 
 namespace android {
 namespace {

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// Parameter sets between start codes and the record made from them. Start codes themselves and
-// records from stream formats are tested with the header parsers.
 
-#include "avi/codec/AvcConfig.h"
+#include "avi/codec/AvcNalUnits.h"
 
 #include <optional>
 #include <tuple>
@@ -11,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/unit/avi/source/ExactBytes.h"
+#include "tests/unit/avi/ExactBytes.h"
 
 namespace android {
 namespace {
@@ -38,11 +35,66 @@ IdrSearch findIdr(const Bytes& data) {
     return findFirstIdr(exact.data(), exact.size());
 }
 
-sp<ABuffer> bufferOf(const Bytes& data) {
-    return ABuffer::CreateAsCopy(data.data(), data.size());
+ssize_t startCode(const Bytes& data) {
+    const ExactBytes exact(data);
+    return findStartCode(exact.data(), exact.size());
 }
 
+bool hasPictureSet(const Bytes& data) {
+    const ExactBytes exact(data);
+    return hasPictureParameterSet(exact.data(), exact.size());
+}
+
+struct StartCodeRow {
+    Bytes data;
+    ssize_t offset;
+};
+
 }  // namespace
+
+TEST(FindStartCode, GivesTheOffsetOfTheFirstOne) {
+    const StartCodeRow kRows[] = {
+        {{}, -1},
+        {{1}, -1},
+        {{0, 1}, -1},
+        {{0, 0}, -1},
+        {{0, 0, 0, 0}, -1},
+        {{0, 0, 2}, -1},
+        {{0, 1, 1}, -1},
+        {{1, 0, 1}, -1},
+        {{0, 0, 1}, 0},
+        {{0, 0, 0, 1}, 0},
+        {{0, 0, 0, 0, 1}, 1},
+        {{5, 0, 0, 1}, 1},
+        {{5, 0, 0, 0, 1}, 1},
+        {{5, 5, 5, 0, 0, 1}, 3},
+        {{0, 0, 3, 0, 0, 1}, 3},
+        {{5, 0, 0, 1, 0, 0, 1}, 1},
+        {{0xFF, 0xFF, 0xFF, 0xFF}, -1},
+    };
+    for (const StartCodeRow& row : kRows)
+        EXPECT_EQ(row.offset, startCode(row.data)) << testing::PrintToString(row.data);
+}
+
+TEST(HasPictureParameterSet, NeedsStartCodeAndType) {
+    const std::pair<Bytes, bool> kRows[] = {
+        {{}, false},
+        {{0, 0, 1}, false},
+        {{0, 0, 1, 0x68}, true},
+        {{0, 0, 0, 1, 0x68}, true},
+        {{0, 0, 1, 0x08}, true},
+        {{0, 0, 1, 0xE8}, true},
+        {{0, 0, 1, 0x67}, false},
+        {{0, 0, 1, 0x78}, false},
+        {{0, 0, 2, 0x68}, false},
+        {{0, 1, 0x68}, false},
+        {{0, 0, 1, 0x67, 9, 0, 0, 1, 0x68}, true},
+        {{0, 0, 1, 0x67, 9, 0, 0, 1}, false},
+        {{1, 0x64, 0, 41, 0xFF, 0xE1, 0, 1, 0x67, 1, 0, 1, 0x68}, false},
+    };
+    for (const auto& [data, expected] : kRows)
+        EXPECT_EQ(expected, hasPictureSet(data)) << testing::PrintToString(data);
+}
 
 TEST(FindSequenceParameterSet, GivesTheOffsetOfItsThreeByteCode) {
     EXPECT_EQ(findSps({0, 0, 1, 0x67}), 0u);
@@ -127,37 +179,6 @@ TEST(FindFirstIdr, NoPictureTellsWhereTheSearchEnded) {
         EXPECT_EQ(search.searchStart, row.start);
         EXPECT_EQ(search.prefixLength, row.prefix);
     }
-}
-
-TEST(MakeAvcRecord, FieldsAreThoseOfTheSets) {
-    const sp<ABuffer> record =
-        makeAvcRecord(bufferOf({0x67, 0x4D, 0x40, 0x1E, 0xAA}), bufferOf({0x68, 0xBB}));
-    EXPECT_EQ(bytesOf(record), (Bytes{1, 0x4D, 0x40, 0x1E, 0xFD, 0xE1, 0, 5, 0x67, 0x4D, 0x40, 0x1E,
-                                      0xAA, 1, 0, 2, 0x68, 0xBB}));
-}
-
-TEST(MakeAvcRecord, LengthsHaveTwoBytes) {
-    Bytes sps(0x0123, 0x67);
-    Bytes pps(0x0456, 0x68);
-    const Bytes record = bytesOf(makeAvcRecord(bufferOf(sps), bufferOf(pps)));
-    ASSERT_EQ(record.size(), sps.size() + pps.size() + 11);
-    EXPECT_EQ(std::make_tuple(record[6], record[7]), std::make_tuple(0x01, 0x23));
-    const size_t at = 9 + sps.size();
-    EXPECT_EQ(std::make_tuple(record[at], record[at + 1]), std::make_tuple(0x04, 0x56));
-}
-
-TEST(MakeAvcRecord, LengthsAreTheLow16Bits) {
-    const Bytes larger(0x10203, 0x67);
-    const sp<ABuffer> record = makeAvcRecord(bufferOf(larger), bufferOf({0x68}));
-    ASSERT_NE(record, nullptr);
-    EXPECT_EQ(record->size(), 0x10203u + 12);
-    EXPECT_EQ(record->data()[6], 0x02);
-    EXPECT_EQ(record->data()[7], 0x03);
-}
-
-TEST(MakeAvcRecord, RecordIsWellFormed) {
-    const sp<ABuffer> record = makeAvcRecord(bufferOf({0x67, 1, 2, 3}), bufferOf({0x68}));
-    EXPECT_EQ(parseAVCCodecSpecificData(record->data(), record->size()), OK);
 }
 
 }  // namespace android

@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// AVC configuration as streams carry it: the decoder configuration record of ISO/IEC 14496-15 and
-// parameter sets between start codes (ISO/IEC 14496-10, annex B). Functions over bytes, without
+// The NAL units of AVC byte streams (ISO/IEC 14496-10, annex B). Functions over bytes, without
 // state; any thread.
 #pragma once
 
 #include <media/stagefright/foundation/ABuffer.h>
 #include <stddef.h>
 #include <stdint.h>
-#include <utils/Errors.h>
 #include <utils/StrongPointer.h>
 
 namespace android {
@@ -25,10 +23,6 @@ ssize_t findStartCode(const uint8_t* data, size_t size);
 // True when a picture parameter set follows a start code: the data is a byte stream.
 bool hasPictureParameterSet(const uint8_t* data, size_t size);
 
-// OK when the data is a well-formed AVC decoder configuration record, else ERROR_MALFORMED with a
-// log line.
-status_t parseAVCCodecSpecificData(const uint8_t* data, size_t size);
-
 // Offset of the first sequence parameter set's start code of three bytes; 0 when there is none.
 size_t findSequenceParameterSet(const uint8_t* data, size_t size);
 
@@ -43,10 +37,5 @@ struct IdrSearch {
     size_t prefixLength = 0;  // of the last start code
 };
 IdrSearch findFirstIdr(const uint8_t* data, size_t size);
-
-// The decoder configuration record of one sequence and one picture parameter set; null without
-// memory. A set longer than 65535 bytes stands in it whole, with the low 16 bits of its length.
-// REQUIRES: sps->size() >= 4.
-sp<ABuffer> makeAvcRecord(const sp<ABuffer>& sps, const sp<ABuffer>& pps);
 
 }  // namespace android

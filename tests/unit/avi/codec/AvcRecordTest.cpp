@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "avi/codec/AvcConfig.h"
+#include "avi/codec/AvcRecord.h"
 
 #include <memory>
 #include <vector>
@@ -29,14 +29,6 @@ auto exactly(const Bytes& data, Function function) {
     return function(copy.get(), data.size());
 }
 
-ssize_t startCode(const Bytes& data) {
-    return exactly(data, findStartCode);
-}
-
-bool hasPictureSet(const Bytes& data) {
-    return exactly(data, hasPictureParameterSet);
-}
-
 status_t parse(const Bytes& data) {
     return exactly(data, parseAVCCodecSpecificData);
 }
@@ -58,56 +50,15 @@ Bytes record(const std::vector<size_t>& sequenceSets, const std::vector<size_t>&
     return out;
 }
 
-struct StartCodeRow {
-    Bytes data;
-    ssize_t offset;
-};
+Bytes bytesOf(const sp<ABuffer>& buffer) {
+    return {buffer->data(), buffer->data() + buffer->size()};
+}
+
+sp<ABuffer> bufferOf(const Bytes& data) {
+    return ABuffer::CreateAsCopy(data.data(), data.size());
+}
 
 }  // namespace
-
-TEST(FindStartCode, GivesTheOffsetOfTheFirstOne) {
-    const StartCodeRow kRows[] = {
-        {{}, -1},
-        {{1}, -1},
-        {{0, 1}, -1},
-        {{0, 0}, -1},
-        {{0, 0, 0, 0}, -1},
-        {{0, 0, 2}, -1},
-        {{0, 1, 1}, -1},
-        {{1, 0, 1}, -1},
-        {{0, 0, 1}, 0},
-        {{0, 0, 0, 1}, 0},
-        {{0, 0, 0, 0, 1}, 1},
-        {{5, 0, 0, 1}, 1},
-        {{5, 0, 0, 0, 1}, 1},
-        {{5, 5, 5, 0, 0, 1}, 3},
-        {{0, 0, 3, 0, 0, 1}, 3},
-        {{5, 0, 0, 1, 0, 0, 1}, 1},
-        {{0xFF, 0xFF, 0xFF, 0xFF}, -1},
-    };
-    for (const StartCodeRow& row : kRows)
-        EXPECT_EQ(row.offset, startCode(row.data)) << testing::PrintToString(row.data);
-}
-
-TEST(HasPictureParameterSet, NeedsStartCodeAndType) {
-    const std::pair<Bytes, bool> kRows[] = {
-        {{}, false},
-        {{0, 0, 1}, false},
-        {{0, 0, 1, 0x68}, true},
-        {{0, 0, 0, 1, 0x68}, true},
-        {{0, 0, 1, 0x08}, true},
-        {{0, 0, 1, 0xE8}, true},
-        {{0, 0, 1, 0x67}, false},
-        {{0, 0, 1, 0x78}, false},
-        {{0, 0, 2, 0x68}, false},
-        {{0, 1, 0x68}, false},
-        {{0, 0, 1, 0x67, 9, 0, 0, 1, 0x68}, true},
-        {{0, 0, 1, 0x67, 9, 0, 0, 1}, false},
-        {{1, 0x64, 0, 41, 0xFF, 0xE1, 0, 1, 0x67, 1, 0, 1, 0x68}, false},
-    };
-    for (const auto& [data, expected] : kRows)
-        EXPECT_EQ(expected, hasPictureSet(data)) << testing::PrintToString(data);
-}
 
 class AvcRecord : public ::testing::Test {
   protected:
@@ -200,6 +151,37 @@ TEST_F(AvcRecord, IsDescribedOnRequest) {
                 Logged(ANDROID_LOG_VERBOSE, "parseAVCCodecSpecificData(): numSeqParameterSets 2"));
     EXPECT_THAT(mLog,
                 Logged(ANDROID_LOG_VERBOSE, "parseAVCCodecSpecificData(): numPicParameterSets 3"));
+}
+
+TEST(MakeAvcRecord, FieldsAreThoseOfTheSets) {
+    const sp<ABuffer> record =
+        makeAvcRecord(bufferOf({0x67, 0x4D, 0x40, 0x1E, 0xAA}), bufferOf({0x68, 0xBB}));
+    EXPECT_EQ(bytesOf(record), (Bytes{1, 0x4D, 0x40, 0x1E, 0xFD, 0xE1, 0, 5, 0x67, 0x4D, 0x40, 0x1E,
+                                      0xAA, 1, 0, 2, 0x68, 0xBB}));
+}
+
+TEST(MakeAvcRecord, LengthsHaveTwoBytes) {
+    Bytes sps(0x0123, 0x67);
+    Bytes pps(0x0456, 0x68);
+    const Bytes record = bytesOf(makeAvcRecord(bufferOf(sps), bufferOf(pps)));
+    ASSERT_EQ(record.size(), sps.size() + pps.size() + 11);
+    EXPECT_EQ(std::make_tuple(record[6], record[7]), std::make_tuple(0x01, 0x23));
+    const size_t at = 9 + sps.size();
+    EXPECT_EQ(std::make_tuple(record[at], record[at + 1]), std::make_tuple(0x04, 0x56));
+}
+
+TEST(MakeAvcRecord, LengthsAreTheLow16Bits) {
+    const Bytes larger(0x10203, 0x67);
+    const sp<ABuffer> record = makeAvcRecord(bufferOf(larger), bufferOf({0x68}));
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->size(), 0x10203u + 12);
+    EXPECT_EQ(record->data()[6], 0x02);
+    EXPECT_EQ(record->data()[7], 0x03);
+}
+
+TEST(MakeAvcRecord, RecordIsWellFormed) {
+    const sp<ABuffer> record = makeAvcRecord(bufferOf({0x67, 1, 2, 3}), bufferOf({0x68}));
+    EXPECT_EQ(parseAVCCodecSpecificData(record->data(), record->size()), OK);
 }
 
 }  // namespace android

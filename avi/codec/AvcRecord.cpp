@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "codec/AvcConfig.h"
+#include "codec/AvcRecord.h"
 
 #include <media/stagefright/MediaErrors.h>
 #include <media/stagefright/foundation/ByteUtils.h>
-#include <media/stagefright/foundation/avc_utils.h>
 
 #include "support/ByteWriter.h"
 #include "support/Log.h"
@@ -15,17 +14,7 @@ namespace {
 constexpr size_t kMinRecordSize = 7;
 
 status_t malformedRecord(int line) {
-    fail("parseAVCCodecSpecificData", ERROR_MALFORMED, line);
-    return ERROR_MALFORMED;
-}
-
-// Offset of the header of the first NAL unit of a type behind a start code; 0 when there is none.
-size_t nalHeaderOfType(const uint8_t* data, size_t size, uint8_t type) {
-    for (size_t i = 3; i < size; ++i) {
-        const bool startCode = data[i - 3] == 0 && data[i - 2] == 0 && data[i - 1] == 1;
-        if (startCode && (data[i] & kNalTypeMask) == type) return i;
-    }
-    return 0;
+    return fail("parseAVCCodecSpecificData", status_t{ERROR_MALFORMED}, line);
 }
 
 // Steps over `count` parameter sets, each with a 16-bit big-endian length in front.
@@ -41,50 +30,6 @@ bool skipParameterSets(size_t count, const uint8_t** data, size_t* size) {
 }
 
 }  // namespace
-
-ssize_t findStartCode(const uint8_t* data, size_t size) {
-    for (size_t i = 2; i < size; ++i) {
-        if (data[i - 2] != 0 || data[i - 1] != 0 || data[i] != 1) continue;
-        const bool fourBytes = i >= 3 && data[i - 3] == 0;
-        return static_cast<ssize_t>(i - (fourBytes ? 3 : 2));
-    }
-    return -1;
-}
-
-bool hasPictureParameterSet(const uint8_t* data, size_t size) {
-    return nalHeaderOfType(data, size, kNalPictureParameterSet) != 0;
-}
-
-size_t findSequenceParameterSet(const uint8_t* data, size_t size) {
-    const size_t header = nalHeaderOfType(data, size, kNalSequenceParameterSet);
-    return header == 0 ? 0 : header - 3;
-}
-
-sp<ABuffer> findNALUnit(const uint8_t* data, size_t size, uint8_t type) {
-    const uint8_t* unit = nullptr;
-    size_t unitSize = 0;
-    while (getNextNALUnit(&data, &size, &unit, &unitSize, true) == OK) {
-        if (unitSize == 0 || (unit[0] & kNalTypeMask) != type) continue;
-        return ABuffer::CreateAsCopy(unit, unitSize);
-    }
-    return nullptr;
-}
-
-IdrSearch findFirstIdr(const uint8_t* data, size_t size) {
-    IdrSearch search;
-    for (;;) {
-        const ssize_t code = findStartCode(data + search.searchStart, size - search.searchStart);
-        if (code < 0) return search;
-        search.position = search.searchStart + static_cast<size_t>(code);
-        const bool fourBytes = data[search.position + 2] == 0;
-        search.prefixLength = fourBytes ? 4 : 3;
-        const size_t header = search.position + search.prefixLength;
-        search.searchStart = header;
-        if (header >= size) return search;
-        search.found = (data[header] & kNalTypeMask) == kNalIdr;
-        if (search.found) return search;
-    }
-}
 
 // u8 version 1 | u8 profile | u8 constraints | u8 level | u8 length size | u8 SPS count |
 // u16 length | SPS | u8 PPS count | u16 length | PPS
