@@ -17,6 +17,7 @@ shellcheck scripts/*.sh .ci/run
 scripts/check-format.sh
 scripts/check-android-bp.sh
 scripts/check-completions.sh
+scripts/check-layers.py
 
 cmake --preset debug >/dev/null # for the compilers' command lines
 git ls-files -- "${folders[@]}" | grep '\.cpp$' |
