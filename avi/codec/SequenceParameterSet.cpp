@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Walks a sequence parameter set as far as the platform's parser does, with reads that may fail.
+//
+// Parsers differ. The platform's reads the bytes with their emulation prevention, knows a chroma
+// format in seven profiles and eight scaling lists in any; the decoder reads as the standard says;
+// a platform may be mended in part. So a set is walked in every mixture of these.
 #include "codec/SequenceParameterSet.h"
-
-#include <string.h>
 
 #include <algorithm>
 #include <iterator>
@@ -18,11 +20,19 @@ namespace {
 
 constexpr uint32_t kMaxMacroblocks = 4096;  // 65536 samples: far above what any level allows
 
-bool hasChromaFormat(uint32_t profile) {
-    static constexpr uint32_t kHighProfiles[] = {100, 110, 122, 244, 44,  83, 86,
-                                                 118, 128, 138, 139, 134, 135};
-    return std::find(std::begin(kHighProfiles), std::end(kHighProfiles), profile) !=
-           std::end(kHighProfiles);
+struct Reading {
+    bool unescapes;    // takes emulation prevention bytes (00 00 03) out first
+    bool allProfiles;  // knows a chroma format in all 13 profiles that have one, not in 7 only
+    bool allLists;     // reads all 12 scaling lists of 4:4:4, not 8 only
+};
+
+bool hasChromaFormat(uint32_t profile, const Reading& reading) {
+    static constexpr uint32_t kProfiles[] = {100, 110, 122, 244, 44,  83, 86,
+                                             118, 128, 138, 139, 134, 135};
+    constexpr size_t kFewProfiles = 7;
+    const uint32_t* const end =
+        reading.allProfiles ? std::end(kProfiles) : std::begin(kProfiles) + kFewProfiles;
+    return std::find(std::begin(kProfiles), end, profile) != end;
 }
 
 void skipScalingList(GracefulBits* bits, size_t length) {
@@ -36,14 +46,14 @@ void skipScalingList(GracefulBits* bits, size_t length) {
 }
 
 // Returns chroma_format_idc, or ChromaArrayType 0 for separate planes.
-uint32_t readChromaFormat(GracefulBits* bits) {
+uint32_t readChromaFormat(GracefulBits* bits, const Reading& reading) {
     const uint32_t chromaFormat = bits->ue();
     const bool separatePlanes = chromaFormat == 3 && bits->flag();
     bits->ue();    // bit_depth_luma_minus8
     bits->ue();    // bit_depth_chroma_minus8
     bits->flag();  // qpprime_y_zero_transform_bypass_flag
     if (bits->flag()) {
-        const size_t lists = chromaFormat == 3 ? 12 : 8;
+        const size_t lists = chromaFormat == 3 && reading.allLists ? 12 : 8;
         for (size_t i = 0; i < lists && bits->ok(); ++i) {
             if (bits->flag()) skipScalingList(bits, i < 6 ? 16 : 64);
         }
@@ -70,32 +80,50 @@ bool cropsSanely(GracefulBits* bits, uint64_t size, uint64_t unit) {
     return crop * unit < size;
 }
 
-bool walkSequenceParameterSet(GracefulBits* bits) {
-    const uint32_t profile = bits->u(8);
-    bits->u(16);  // constraint flags, level
-    bits->ue();   // seq_parameter_set_id
-    const uint32_t chroma = hasChromaFormat(profile) ? readChromaFormat(bits) : 1;
-    if (chroma > 3) return false;
-    bits->ue();  // log2_max_frame_num_minus4
-    skipPictureOrderCount(bits);
-    bits->ue();    // max_num_ref_frames
-    bits->flag();  // gaps_in_frame_num_value_allowed_flag
+// Reads the size and its cropping; answers whether that is a size to decode at.
+bool readSaneSize(GracefulBits* bits, uint32_t chroma) {
     const uint64_t widthMbs = uint64_t{bits->ue()} + 1;
     const uint64_t heightUnits = uint64_t{bits->ue()} + 1;
     const uint64_t fields = bits->flag() ? 1 : 2;
     if (fields == 2) bits->flag();  // mb_adaptive_frame_field_flag
     bits->flag();                   // direct_8x8_inference_flag
     if (widthMbs > kMaxMacroblocks || heightUnits > kMaxMacroblocks) return false;
-    if (bits->flag()) {  // frame_cropping_flag
-        const uint64_t cropWidth = chroma == 1 || chroma == 2 ? 2 : 1;
-        const uint64_t cropHeight = (chroma == 1 ? 2 : 1) * fields;
-        if (!cropsSanely(bits, widthMbs * 16, cropWidth)) return false;
-        if (!cropsSanely(bits, heightUnits * 16 * fields, cropHeight)) return false;
-    }
+    if (!bits->flag()) return true;  // frame_cropping_flag
+    const uint64_t cropWidth = chroma == 1 || chroma == 2 ? 2 : 1;
+    const uint64_t cropHeight = (chroma == 1 ? 2 : 1) * fields;
+    return cropsSanely(bits, widthMbs * 16, cropWidth) &&
+           cropsSanely(bits, heightUnits * 16 * fields, cropHeight);
+}
+
+bool isSaneIn(const Reading& reading, const uint8_t* data, size_t size) {
+    GracefulBits bits(data, size);
+    const uint32_t profile = bits.u(8);
+    bits.u(16);  // constraint flags, level
+    bits.ue();   // seq_parameter_set_id
+    const uint32_t chroma =
+        hasChromaFormat(profile, reading) ? readChromaFormat(&bits, reading) : 1;
+    if (chroma > 3) return false;  // no decoder knows them; the platform's parser takes them
+    bits.ue();                     // log2_max_frame_num_minus4
+    skipPictureOrderCount(&bits);
+    bits.ue();    // max_num_ref_frames
+    bits.flag();  // gaps_in_frame_num_value_allowed_flag
+    if (!readSaneSize(&bits, chroma)) return false;
     constexpr uint32_t kExtendedSar = 255;
-    const bool hasAspectRatio = bits->flag() && bits->flag();
-    if (hasAspectRatio && bits->u(8) == kExtendedSar) bits->u(32);
-    return bits->ok();
+    const bool hasAspectRatio = bits.flag() && bits.flag();
+    if (hasAspectRatio && bits.u(8) == kExtendedSar) bits.u(32);
+    return bits.ok();
+}
+
+// Copies `size` bytes without those of emulation prevention; answers how many there are.
+size_t unescape(const uint8_t* data, size_t size, uint8_t* out) {
+    size_t length = 0;
+    size_t zeros = 0;
+    for (size_t i = 0; i < size; ++i) {
+        const bool isEmulationPrevention = zeros >= 2 && data[i] == 3;
+        zeros = data[i] == 0 ? zeros + 1 : 0;
+        if (!isEmulationPrevention) out[length++] = data[i];
+    }
+    return length;
 }
 
 }  // namespace
@@ -103,22 +131,19 @@ bool walkSequenceParameterSet(GracefulBits* bits) {
 bool isSaneSequenceParameterSet(const uint8_t* data, size_t size) {
     constexpr size_t kMinSize = 4;  // header, profile, constraints, level
     if (size < kMinSize) return false;
-    GracefulBits raw(data + 1, size - 1);
-    if (!walkSequenceParameterSet(&raw)) return false;
-
-    // Platforms differ in whether they take emulation prevention bytes (00 00 03) out first: the
-    // set must be sane either way.
-    const std::unique_ptr<uint8_t[]> payload(new (std::nothrow) uint8_t[size]);
+    const uint8_t* const raw = data + 1;
+    const size_t rawSize = size - 1;
+    const std::unique_ptr<uint8_t[]> payload(new (std::nothrow) uint8_t[rawSize]);
     if (payload == nullptr) return false;
-    size_t length = 0;
-    size_t zeros = 0;
-    for (size_t i = 1; i < size; ++i) {
-        const bool isEmulationPrevention = zeros >= 2 && data[i] == 3;
-        zeros = data[i] == 0 ? zeros + 1 : 0;
-        if (!isEmulationPrevention) payload[length++] = data[i];
+    const size_t payloadSize = unescape(raw, rawSize, payload.get());
+    // Every mixture: the first is the platform's reading, the last the standard's.
+    for (unsigned options = 0; options < 8; ++options) {
+        const Reading reading{(options & 4) != 0, (options & 2) != 0, (options & 1) != 0};
+        const bool isSane = reading.unescapes ? isSaneIn(reading, payload.get(), payloadSize)
+                                              : isSaneIn(reading, raw, rawSize);
+        if (!isSane) return false;
     }
-    GracefulBits unescaped(payload.get(), length);
-    return walkSequenceParameterSet(&unescaped);
+    return true;
 }
 
 }  // namespace android

@@ -5,10 +5,10 @@
 namespace android {
 namespace {
 
-std::vector<uint8_t> escaped(const std::vector<uint8_t>& payload) {
-    std::vector<uint8_t> nal = {0x67};
+std::vector<uint8_t> escaped(const std::vector<uint8_t>& unescaped) {
+    std::vector<uint8_t> nal;
     unsigned zeros = 0;
-    for (const uint8_t byte : payload) {
+    for (const uint8_t byte : unescaped) {
         if (zeros == 2 && byte <= 3) {
             nal.push_back(3);
             zeros = 0;
@@ -38,9 +38,9 @@ void writeChroma(SpsBits& bits, const SpsFields& fields) {
 
 }  // namespace
 
-std::vector<uint8_t> SpsFields::nal() const {
+std::vector<uint8_t> SpsFields::unescapedNal() const {
     SpsBits bits;
-    bits.u(8, profile).u(8, 0).u(8, level).ue(0);  // ..., constraint flags, ..., id
+    bits.u(8, 0x67).u(8, profile).u(8, 0).u(8, level).ue(id);  // header, ..., constraint flags
     if (chroma) {
         writeChroma(bits, *this);
     }
@@ -60,7 +60,11 @@ std::vector<uint8_t> SpsFields::nal() const {
     }
     writeOptional(bits, vui);
     bits.u(1, 1);  // rbsp_stop_one_bit
-    return escaped(bits.bytes());
+    return bits.bytes();
+}
+
+std::vector<uint8_t> SpsFields::nal() const {
+    return escaped(unescapedNal());
 }
 
 }  // namespace android

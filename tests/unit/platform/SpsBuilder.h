@@ -58,6 +58,7 @@ class SpsBits {
 struct SpsFields {
     uint32_t profile = 66;
     uint32_t level = 30;
+    uint32_t id = 0;
 
     // Written when `chroma` is set: chroma_format_idc and what goes with it.
     std::optional<uint32_t> chroma;
@@ -73,6 +74,8 @@ struct SpsFields {
 
     /// The NAL unit, with emulation-prevention bytes.
     std::vector<uint8_t> nal() const;
+    /// The same without emulation-prevention bytes, as no stream may carry it.
+    std::vector<uint8_t> unescapedNal() const;
 };
 
 }  // namespace android

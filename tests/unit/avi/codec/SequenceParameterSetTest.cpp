@@ -2,6 +2,8 @@
 
 #include "avi/codec/SequenceParameterSet.h"
 
+#include <algorithm>
+#include <array>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -42,9 +44,9 @@ SpsFields highProfile(uint32_t chroma) {
 
 // A set with something of everything.
 SpsFields fullSet() {
-    SpsFields fields = highProfile(3);
+    SpsFields fields = highProfile(2);
     fields.scalingMatrix = [](SpsBits& bits) {
-        for (int list = 0; list < 12; ++list) {
+        for (int list = 0; list < 8; ++list) {
             bits.u(1, static_cast<uint32_t>(list % 2));
             for (int i = 0; list % 2 == 1 && i < (list < 6 ? 16 : 64); ++i)
                 bits.se(1);
@@ -57,15 +59,47 @@ SpsFields fullSet() {
     return fields;
 }
 
+// Twelve lists that begin with the end of the list. A reader of eight takes the rest for a size.
+SpsFields fourFourFourSet() {
+    SpsFields fields = highProfile(3);
+    fields.profile = 244;
+    fields.scalingMatrix = [](SpsBits& bits) {
+        for (int list = 0; list < 12; ++list)
+            bits.u(1, 1).se(-8);
+    };
+    return fields;
+}
+
+// Deltas beyond -128 to 127, which count as these; as they are they would end their lists.
+SpsFields clampedSet() {
+    SpsFields fields = highProfile(1);
+    fields.scalingMatrix = [](SpsBits& bits) {
+        bits.u(1, 1).se(127).se(-135).se(-7);  // 8, 135, 7, 0
+        bits.u(1, 1).se(120).se(128).se(1);    // 8, 128, 255, 0
+        bits.u(6, 0);
+    };
+    return fields;
+}
+
+// A set that ends with the aspect ratio's escape code and then these bytes.
+Bytes withRatioBytes(const Bytes& tail) {
+    SpsFields fields;
+    fields.vui = [](SpsBits& bits) { bits.u(1, 1).u(8, 255); };
+    Bytes nal = fields.unescapedNal();
+    nal.pop_back();  // the stop bit
+    EXPECT_EQ(nal.back(), 255);
+    nal.insert(nal.end(), tail.begin(), tail.end());
+    return nal;
+}
+
 }  // namespace
 
 TEST(SequenceParameterSet, PlainSetIsSane) {
     EXPECT_TRUE(isSaneAndParsed(SpsFields().nal()));
 }
 
-TEST(SequenceParameterSet, EveryProfileWithChromaFormatIsSane) {
-    for (const uint32_t profile :
-         {100u, 110u, 122u, 244u, 44u, 83u, 86u, 118u, 128u, 138u, 139u, 134u, 135u}) {
+TEST(SequenceParameterSet, ChromaFormatOfSevenProfilesIsSane) {
+    for (const uint32_t profile : {100u, 110u, 122u, 244u, 44u, 83u, 86u}) {
         for (uint32_t chroma = 0; chroma < 4; ++chroma) {
             SCOPED_TRACE(testing::Message() << profile << ", " << chroma);
             SpsFields fields = highProfile(chroma);
@@ -75,12 +109,68 @@ TEST(SequenceParameterSet, EveryProfileWithChromaFormatIsSane) {
     }
 }
 
+// The platform looks for the size where the chroma format is, and does not find one.
+TEST(SequenceParameterSet, ChromaFormatOfSixMoreProfilesIsNotSane) {
+    for (const uint32_t profile : {118u, 128u, 138u, 139u, 134u, 135u}) {
+        for (uint32_t chroma = 0; chroma < 4; ++chroma) {
+            SCOPED_TRACE(testing::Message() << profile << ", " << chroma);
+            SpsFields fields = highProfile(chroma);
+            fields.profile = profile;
+            EXPECT_FALSE(isSane(fields.nal()));
+        }
+    }
+}
+
+// The platform would find the size, but a decoder the chroma format in its place.
+TEST(SequenceParameterSet, NoChromaFormatOfThirteenProfilesIsNotSane) {
+    for (const uint32_t profile :
+         {100u, 110u, 122u, 244u, 44u, 83u, 86u, 118u, 128u, 138u, 139u, 134u, 135u}) {
+        SpsFields fields;
+        fields.profile = profile;
+        EXPECT_FALSE(isSane(fields.nal())) << profile;
+    }
+}
+
+TEST(SequenceParameterSet, NoChromaFormatOfOtherProfilesIsSane) {
+    for (uint32_t profile = 0; profile < 256; ++profile) {
+        static constexpr std::array<uint32_t, 13> kHigh = {100, 110, 122, 244, 44,  83, 86,
+                                                           118, 128, 138, 139, 134, 135};
+        if (std::find(kHigh.begin(), kHigh.end(), profile) != kHigh.end()) continue;
+        SpsFields fields;
+        fields.profile = profile;
+        EXPECT_TRUE(isSaneAndParsed(fields.nal())) << profile;
+    }
+}
+
+// One that the platform finds a size in, if not that of the picture.
+TEST(SequenceParameterSet, SetOfAnotherProfileThatBothReadToASizeIsSane) {
+    SpsFields fields = highProfile(1);
+    fields.profile = 128;
+    fields.vui = [](SpsBits& bits) { bits.u(1, 0).u(32, 0); };
+    fields.widthInMbs = 80;
+    fields.heightInMapUnits = 45;
+    EXPECT_TRUE(isSaneAndParsed(fields.nal()));
+}
+
+TEST(SequenceParameterSet, FourFourFourMatrixIsSaneInEightAndTwelveLists) {
+    EXPECT_TRUE(isSaneAndParsed(fourFourFourSet().nal()));
+    SpsFields fields = fourFourFourSet();
+    fields.scalingMatrix = [](SpsBits& bits) { bits.u(12, 0); };
+    EXPECT_FALSE(isSane(fields.nal()));  // too short for a reader of eight
+    fields.scalingMatrix = [](SpsBits& bits) { bits.u(8, 0); };
+    EXPECT_FALSE(isSane(fields.nal()));  // too short for a reader of twelve
+}
+
+TEST(SequenceParameterSet, ClampedScalingDeltasAreSane) {
+    EXPECT_TRUE(isSaneAndParsed(clampedSet().nal()));
+}
+
 TEST(SequenceParameterSet, SetWithEverythingIsSane) {
     EXPECT_TRUE(isSaneAndParsed(fullSet().nal()));
 }
 
 TEST(SequenceParameterSet, EveryCutIsFoundOut) {
-    for (const SpsFields& fields : {SpsFields(), fullSet()}) {
+    for (const SpsFields& fields : {SpsFields(), fullSet(), fourFourFourSet(), clampedSet()}) {
         const Bytes nal = fields.nal();
         for (size_t size = 0; size + 1 < nal.size(); ++size) {
             EXPECT_FALSE(isSane(Bytes(nal.begin(), nal.begin() + static_cast<ptrdiff_t>(size))))
@@ -91,18 +181,18 @@ TEST(SequenceParameterSet, EveryCutIsFoundOut) {
 
 TEST(SequenceParameterSet, ChromaFormatAboveThreeIsNotSane) {
     for (const uint32_t chroma : {4u, 255u, 0xFFFFFFFEu})
-        EXPECT_FALSE(isSane(highProfile(chroma).nal())) << chroma;
+        EXPECT_FALSE(isSane(highProfile(chroma).unescapedNal())) << chroma;
 }
 
 TEST(SequenceParameterSet, SizesAreBounded) {
     for (const uint32_t macroblocks : {1u, 4096u, 4097u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
         SpsFields wide;
         wide.widthInMbs = macroblocks;
-        EXPECT_EQ(isSaneAndParsed(wide.nal()), macroblocks <= 4096) << macroblocks;
+        EXPECT_EQ(isSaneAndParsed(wide.unescapedNal()), macroblocks <= 4096) << macroblocks;
         SpsFields high;
         high.heightInMapUnits = macroblocks;
         high.frameMbsOnly = false;
-        EXPECT_EQ(isSaneAndParsed(high.nal()), macroblocks <= 4096) << macroblocks;
+        EXPECT_EQ(isSaneAndParsed(high.unescapedNal()), macroblocks <= 4096) << macroblocks;
     }
 }
 
@@ -119,7 +209,7 @@ TEST(SequenceParameterSet, CroppingLeavesSomething) {
         SCOPED_TRACE(testing::PrintToString(row.crop));
         SpsFields fields;
         fields.crop = row.crop;
-        EXPECT_EQ(isSaneAndParsed(fields.nal()), row.sane);
+        EXPECT_EQ(isSaneAndParsed(fields.unescapedNal()), row.sane);
     }
 }
 
@@ -142,15 +232,15 @@ TEST(SequenceParameterSet, CropUnitsDependOnChromaAndFields) {
 TEST(SequenceParameterSet, EndlessCycleIsNotSane) {
     SpsFields fields;
     fields.pictureOrder = [](SpsBits& bits) { bits.ue(1).u(1, 0).se(0).se(0).ue(0xFFFFFFFE); };
-    EXPECT_FALSE(isSane(fields.nal()));
+    EXPECT_FALSE(isSane(fields.unescapedNal()));
 }
 
 TEST(SequenceParameterSet, LongestCodeIsThirtyOneZeros) {
     SpsFields fields;
     fields.pictureOrder = [](SpsBits& bits) { bits.ue(0xFFFFFFFE); };
-    EXPECT_TRUE(isSaneAndParsed(fields.nal()));
+    EXPECT_TRUE(isSaneAndParsed(fields.unescapedNal()));
     fields.pictureOrder = [](SpsBits& bits) { bits.u(32, 0).u(1, 1).u(32, 0); };
-    EXPECT_FALSE(isSane(fields.nal()));
+    EXPECT_FALSE(isSane(fields.unescapedNal()));
 }
 
 TEST(SequenceParameterSet, ShortAndUniformDataIsNotSane) {
@@ -160,20 +250,40 @@ TEST(SequenceParameterSet, ShortAndUniformDataIsNotSane) {
         EXPECT_FALSE(isSane(Bytes(size, 0x00))) << size;
 }
 
-// Whatever the bits are: what counts as sane never ends the process.
-TEST(SequenceParameterSet, RandomSetsAreSafe) {
-    uint32_t state = 1;
-    size_t sane = 0;
-    for (int round = 0; round < 20000; ++round) {
-        Bytes nal = round % 2 == 0 ? SpsFields().nal() : fullSet().nal();
-        for (int change = 0; change < 2; ++change) {
-            state = static_cast<uint32_t>(uint64_t{state} * 48271 % 0x7FFFFFFF);
-            nal[1 + state % (nal.size() - 1)] = static_cast<uint8_t>(state >> 16);
-        }
-        if (isSaneAndParsed(nal)) ++sane;
-    }
-    EXPECT_GT(sane, 100u);
-    EXPECT_LT(sane, 19900u);
+// The zeros of the level and of the code after it make an encoder put a byte in, which the platform
+// reads with the fields, so that it looks for the size in other bits.
+TEST(SequenceParameterSet, SetThatOnlyItsRawBytesSpoilIsNotSane) {
+    SpsFields fields;
+    fields.level = 0;
+    fields.id = 255;
+    fields.widthInMbs = 80;
+    fields.heightInMapUnits = 45;
+    EXPECT_TRUE(isSane(fields.unescapedNal()));
+    EXPECT_FALSE(isSane(fields.nal()));
+    // Long enough, but the size is beyond 31 bits.
+    fields.widthInMbs = 120;
+    fields.heightInMapUnits = 68;
+    fields.vui = [](SpsBits& bits) { bits.u(1, 1).u(8, 1).u(16, 0x1234); };
+    EXPECT_TRUE(isSane(fields.unescapedNal()));
+    EXPECT_FALSE(isSane(fields.nal()));
+}
+
+// A ratio has four bytes. Which ones are emulation prevention shows in whether four are left.
+TEST(SequenceParameterSet, ThreeAfterTwoZerosIsNoData) {
+    const struct {
+        Bytes tail;
+        bool sane;
+    } kRows[] = {
+        {{5, 6, 7}, false},      {{5, 6, 7, 8}, true},    {{5, 0, 0, 3}, false},
+        {{5, 0, 0, 3, 4}, true}, {{0, 0, 0, 3}, false},   {{0, 0, 0, 3, 4}, true},
+        {{5, 5, 0, 3}, true},    {{0, 5, 0, 3}, true},    {{0, 0, 5, 3}, true},
+        {{5, 0, 0, 2}, true},    {{5, 0, 0, 4}, true},    {{0, 0, 3, 3}, false},
+        {{0, 0, 3, 3, 3}, true}, {{0, 0, 3, 0, 3}, true}, {{0, 0, 3, 0, 0, 3}, true},
+        {{0, 0, 3, 0, 0}, true}, {{0, 0, 3, 0}, false},
+    };
+    for (const auto& row : kRows)
+        EXPECT_EQ(isSaneAndParsed(withRatioBytes(row.tail)), row.sane)
+            << testing::PrintToString(row.tail);
 }
 
 }  // namespace android
