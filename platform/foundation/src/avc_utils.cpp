@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <iterator>
-#include <vector>
 
 namespace android {
 
@@ -23,35 +22,16 @@ size_t findStartCode(const uint8_t* data, size_t size, size_t from) {
     return static_cast<size_t>(found - data);
 }
 
-// The payload of a NAL unit: what follows the header byte, without emulation-prevention bytes
-// (7.3.1).
-std::vector<uint8_t> extractPayload(const sp<ABuffer>& nal) {
-    CHECK_GE(nal->size(), 1u);
-    std::vector<uint8_t> payload;
-    payload.reserve(nal->size());
-    size_t zeros = 0;
-    for (size_t i = 1; i < nal->size(); ++i) {
-        const uint8_t byte = nal->data()[i];
-        if (zeros >= 2 && byte == 3) {
-            zeros = 0;
-            continue;
-        }
-        zeros = byte == 0 ? zeros + 1 : 0;
-        payload.push_back(byte);
-    }
-    return payload;
-}
-
 // se(v): 0, 1, -1, 2, -2, ...
 int64_t parseSE(ABitReader* br) {
     const int64_t code = parseUE(br);
     return code % 2 != 0 ? (code + 1) / 2 : -(code / 2);
 }
 
-// Profiles whose sets carry the chroma format and scaling lists (7.3.2.1.1).
+// The profiles whose chroma format and scaling lists the platform knows. The standard
+// (7.3.2.1.1) has six more, which the platform reads as if they had neither.
 bool hasChromaFormat(uint32_t profile) {
-    static constexpr uint32_t kProfiles[] = {100, 110, 122, 244, 44,  83, 86,
-                                             118, 128, 138, 139, 134, 135};
+    static constexpr uint32_t kProfiles[] = {100, 110, 122, 244, 44, 83, 86};
     return std::find(std::begin(kProfiles), std::end(kProfiles), profile) != std::end(kProfiles);
 }
 
@@ -67,25 +47,26 @@ void skipScalingList(ABitReader* br, size_t length) {
     }
 }
 
-void skipScalingMatrix(ABitReader* br, unsigned chromaFormat) {
-    const size_t count = chromaFormat == 3 ? 12 : 8;
-    for (size_t i = 0; i < count; ++i) {
+// Eight lists of every chroma format: of 4:4:4 sets, which have twelve, the last four are left.
+void skipScalingMatrix(ABitReader* br) {
+    constexpr size_t kLists = 8;
+    for (size_t i = 0; i < kLists; ++i) {
         if (br->getBits(1) != 0) {  // seq_scaling_list_present_flag
             skipScalingList(br, i < 6 ? 16 : 64);
         }
     }
 }
 
-// Reads the part that only the high profiles have; answers ChromaArrayType.
+// Reads the part that only the high profiles have; answers ChromaArrayType. Any chroma format is
+// taken, those above 3 too, which the standard does not have.
 unsigned parseChromaArrayType(ABitReader* br) {
     const unsigned chromaFormat = parseUE(br);
-    CHECK_LE(chromaFormat, 3u);
     const bool separatePlanes = chromaFormat == 3 && br->getBits(1) != 0;
     parseUE(br);     // bit_depth_luma_minus8
     parseUE(br);     // bit_depth_chroma_minus8
     br->getBits(1);  // qpprime_y_zero_transform_bypass_flag
     if (br->getBits(1) != 0) {
-        skipScalingMatrix(br, chromaFormat);
+        skipScalingMatrix(br);
     }
     return separatePlanes ? 0 : chromaFormat;
 }
@@ -105,13 +86,14 @@ void skipPictureOrderCount(ABitReader* br) {
     }
 }
 
-// Reads the two crop offsets of one direction and takes them off `size` (luma samples).
-int32_t cropSize(ABitReader* br, uint64_t size, unsigned unit) {
+// Reads the two crop offsets of one direction and takes them off `size` (luma samples); 0 when
+// nothing is left.
+int32_t cropSize(ABitReader* br, int32_t size, unsigned unit) {
     uint64_t crop = parseUE(br);
     crop += parseUE(br);
     crop *= unit;
-    CHECK_LE(crop, size);
-    return static_cast<int32_t>(size - crop);
+    const auto whole = static_cast<uint64_t>(size);
+    return crop < whole ? static_cast<int32_t>(whole - crop) : 0;
 }
 
 // Reads the cropping part (7.4.2.1.1, equations 7-18 to 7-21).
@@ -123,8 +105,8 @@ void parseCropping(ABitReader* br, unsigned chromaArrayType, bool frameMbsOnly, 
     const bool halfWidth = chromaArrayType == 1 || chromaArrayType == 2;
     const bool halfHeight = chromaArrayType == 1;
     const unsigned fields = frameMbsOnly ? 1 : 2;
-    *width = cropSize(br, static_cast<uint64_t>(*width), halfWidth ? 2 : 1);
-    *height = cropSize(br, static_cast<uint64_t>(*height), (halfHeight ? 2 : 1) * fields);
+    *width = cropSize(br, *width, halfWidth ? 2 : 1);
+    *height = cropSize(br, *height, (halfHeight ? 2 : 1) * fields);
 }
 
 struct AspectRatio {
@@ -152,10 +134,11 @@ AspectRatio parseAspectRatio(ABitReader* br) {
     return idc < std::size(kAspectRatios) ? kAspectRatios[idc] : AspectRatio{};
 }
 
+// 0 when the size is beyond 31 bits.
 int32_t macroblocksToSamples(uint64_t macroblocks) {
     constexpr uint64_t kSamples = 16;
-    CHECK_LE(macroblocks, INT32_MAX / kSamples);
-    return static_cast<int32_t>(macroblocks * kSamples);
+    const uint64_t samples = macroblocks * kSamples;
+    return samples <= INT32_MAX ? static_cast<int32_t>(samples) : 0;
 }
 
 }  // namespace
@@ -204,8 +187,9 @@ status_t getNextNALUnit(const uint8_t** data, size_t* size, const uint8_t** nalS
 
 void FindAVCDimensions(const sp<ABuffer>& seqParamSet, int32_t* width, int32_t* height,
                        int32_t* sarWidth, int32_t* sarHeight) {
-    const std::vector<uint8_t> payload = extractPayload(seqParamSet);
-    ABitReader br(payload.data(), payload.size());
+    CHECK_GE(seqParamSet->size(), 1u);
+    // The bytes as they are: the platform takes no emulation prevention bytes (7.4.1) out.
+    ABitReader br(seqParamSet->data() + 1, seqParamSet->size() - 1);
     const uint32_t profile = br.getBits(8);
     br.getBits(16);  // constraint flags, level_idc
     parseUE(&br);    // seq_parameter_set_id

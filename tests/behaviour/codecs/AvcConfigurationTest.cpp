@@ -29,6 +29,13 @@ Bytes spsOfRatio(uint32_t width, uint32_t height) {
     return fields.nal();
 }
 
+// A set with this aspect_ratio_idc.
+Bytes spsOfRatioCode(uint32_t code) {
+    android::SpsFields fields;
+    fields.vui = [=](android::SpsBits& bits) { bits.u(1, 1).u(8, code).u(8, 0); };
+    return fields.nal();
+}
+
 class AvcConfiguration : public AvcTest {};
 
 TEST_F(AvcConfiguration, RecordHoldsTheSetsFieldByField) {
@@ -259,9 +266,10 @@ TEST_F(AvcConfiguration, UnreadableFirstSampleSpoilsTheTrack) {
 }
 
 TEST_F(AvcConfiguration, SquareOrUnknownRatioLeavesTheDefault) {
-    for (const auto& [width, height] : {std::pair(1u, 1u), std::pair(0u, 0u), std::pair(1u, 0u)}) {
-        SCOPED_TRACE(testing::Message() << width << ":" << height);
-        openSets(spsOfRatio(width, height), mPps);
+    for (const Bytes& sps :
+         {spsOfRatioCode(0), spsOfRatioCode(1), spsOfRatio(1, 1), spsOfRatio(1, 0)}) {
+        SCOPED_TRACE(testing::PrintToString(sps));
+        openSets(sps, mPps);
         EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAR_WIDTH), 1);
         EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAR_HEIGHT), 1);
         EXPECT_TRUE(

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Reads bits, most significant first, from bytes that stay the caller's and must outlive the
-// reader. It knows nothing of emulation-prevention bytes: a NAL unit has to be freed of them first.
+// reader. It knows nothing of emulation-prevention bytes: those of a NAL unit count as data.
 // Invariant: mBitPos <= 8 * mSize. A read over the end uses up what is left, as it does on the
 // device, so nothing can be read after it. Threading: one thread at a time.
 #pragma once

@@ -32,9 +32,14 @@ status_t getNextNALUnit(const uint8_t** data, size_t* size, const uint8_t** nalS
                         size_t* nalSize, bool startCodeFollows = false);
 
 /// Reads the picture size, after cropping, and the sample aspect ratio from a sequence parameter
-/// set: a NAL unit with its header byte and emulation-prevention bytes, of at least 1 byte. The
-/// ratio is 0:0 when the set has none or a reserved one; either of its pointers may be null. A
-/// truncated set, or one with values that no picture can have, aborts the process.
+/// set: a NAL unit with its header byte, of at least 1 byte. The ratio is 0:0 when the set has none
+/// or a reserved one; either of its pointers may be null. A width or height that 31 bits do not
+/// hold, or that cropping leaves nothing of, is 0.
+///
+/// As on the device the set is read otherwise than the standard says: emulation prevention bytes
+/// count as data, only profiles 100, 110, 122, 244, 44, 83 and 86 have a chroma format, of any
+/// value, and there are eight scaling lists also for 4:4:4. Where that, or a cut, makes it read
+/// over the end, the process aborts.
 void FindAVCDimensions(const sp<ABuffer>& seqParamSet, int32_t* width, int32_t* height,
                        int32_t* sarWidth = nullptr, int32_t* sarHeight = nullptr);
 
