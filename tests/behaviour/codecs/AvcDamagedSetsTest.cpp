@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Sequence parameter sets that the platform's parser ends the process at: they count as not found.
+// Sequence parameter sets that the platform's parser ends the process at, valid ones among them:
+// they count as not found.
 
 #include "tests/behaviour/codecs/AvcFixture.h"
 
@@ -92,6 +93,103 @@ TEST_F(AvcDamagedSets, UnknownChromaFormatIsNotFound) {
         fields.chroma = chroma;
         expectNotFound(fields.nal());
     }
+}
+
+// The platform's parser knows no chroma format in these profiles and looks for the size too early.
+TEST_F(AvcDamagedSets, ShortSetOfAMultiviewProfileIsNotFound) {
+    for (const uint32_t profile : {118u, 128u, 138u, 139u, 134u, 135u}) {
+        SCOPED_TRACE(profile);
+        SpsFields fields;
+        fields.profile = profile;
+        fields.chroma = 1;
+        expectNotFound(fields.nal());
+        fields.chroma.reset();
+        expectNotFound(fields.nal());
+    }
+}
+
+TEST_F(AvcDamagedSets, LongerSetOfAMultiviewProfileHasTheSizeThatThePlatformReads) {
+    for (const uint32_t profile : {118u, 128u}) {
+        SCOPED_TRACE(profile);
+        SpsFields fields;
+        fields.profile = profile;
+        fields.chroma = 1;
+        fields.widthInMbs = 80;
+        fields.heightInMapUnits = 45;
+        fields.vui = [](SpsBits& bits) { bits.u(1, 0).u(32, 0); };
+        openSets(fields.nal(), mPps);
+        EXPECT_EQ(number(AMEDIAFORMAT_KEY_WIDTH), 32);
+        EXPECT_EQ(number(AMEDIAFORMAT_KEY_HEIGHT), 5120);
+    }
+}
+
+// The parser reads eight lists of the twelve.
+TEST_F(AvcDamagedSets, ShortScalingMatrixOfFourFourFourIsNotFound) {
+    SpsFields fields;
+    fields.profile = 244;
+    fields.chroma = 3;
+    for (const uint32_t lists : {8u, 12u}) {
+        SCOPED_TRACE(lists);
+        fields.scalingMatrix = [=](SpsBits& bits) { bits.u(lists, 0); };
+        expectNotFound(fields.nal());
+    }
+    fields.scalingMatrix = nullptr;
+    openSets(fields.nal(), mPps);
+    EXPECT_EQ(number(AMEDIAFORMAT_KEY_WIDTH), 352);
+}
+
+TEST_F(AvcDamagedSets, ScalingDeltasBeyondTheirRangeAreTheNearestInIt) {
+    SpsFields fields;
+    fields.profile = 100;
+    fields.chroma = 1;
+    fields.scalingMatrix = [](SpsBits& bits) {
+        bits.u(1, 1).se(127).se(-135).se(-7);  // 8, 135, 7, 0
+        bits.u(1, 1).se(120).se(128).se(1);    // 8, 128, 255, 0
+        bits.u(6, 0);
+    };
+    openSets(fields.nal(), mPps);
+    EXPECT_EQ(number(AMEDIAFORMAT_KEY_WIDTH), 352);
+    EXPECT_EQ(number(AMEDIAFORMAT_KEY_HEIGHT), 288);
+}
+
+// The zeros of the level and of the id make an encoder put a byte in, which the platform's parser
+// reads as part of the id; what it then takes for the size is cut off or beyond 31 bits.
+TEST_F(AvcDamagedSets, EmulationPreventionInFrontOfTheSizeIsNotFound) {
+    SpsFields fields;
+    fields.level = 0;
+    fields.id = 255;
+    fields.widthInMbs = 80;
+    fields.heightInMapUnits = 45;
+    expectNotFound(fields.nal());
+    fields.widthInMbs = 120;
+    fields.heightInMapUnits = 68;
+    fields.vui = [](SpsBits& bits) { bits.u(1, 1).u(8, 1).u(16, 0x1234); };
+    expectNotFound(fields.nal());
+}
+
+TEST_F(AvcDamagedSets, EmulationPreventionAfterTheSizeIsKeptInTheRecord) {
+    SpsFields fields;
+    fields.vui = [](SpsBits& bits) { bits.u(1, 1).u(8, 2).u(32, 0).u(32, 0); };
+    const Bytes sps = fields.nal();
+    ASSERT_GT(sps.size(), fields.unescapedNal().size());
+    openSets(sps, mPps);
+    EXPECT_EQ(number(AMEDIAFORMAT_KEY_WIDTH), 352);
+    EXPECT_EQ(number(AMEDIAFORMAT_KEY_HEIGHT), 288);
+    EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAR_WIDTH), 12);
+    EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAR_HEIGHT), 11);
+    EXPECT_EQ(record().value_or(Bytes()).size(), sps.size() + mPps.size() + 11);
+}
+
+// Cut after the ratio: a reader that takes the byte out has three of its four bytes.
+TEST_F(AvcDamagedSets, EmulationPreventionThatEndsTheRatioIsNotFound) {
+    SpsFields fields;
+    fields.vui = [](SpsBits& bits) { bits.u(1, 1).u(8, 255).u(16, 0x0500).u(16, 3); };
+    Bytes sps = fields.unescapedNal();
+    openSets(sps, mPps);
+    EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAR_WIDTH), 0x0500);
+    sps.pop_back();
+    ASSERT_EQ(sps.back(), 3);
+    expectNotFound(sps);
 }
 
 TEST_F(AvcDamagedSets, EndlessPictureOrderCycleIsNotFound) {
