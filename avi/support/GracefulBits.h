@@ -36,7 +36,8 @@ class GracefulBits {
             ++zeros;
         }
         if (zeros >= 32) mOk = false;
-        return mOk ? static_cast<uint32_t>((uint64_t{1} << zeros) - 1 + u(zeros)) : 0;
+        const uint64_t suffix = u(zeros);  // may be cut off, too
+        return mOk ? static_cast<uint32_t>((uint64_t{1} << zeros) - 1 + suffix) : 0;
     }
 
     // Signed Exp-Golomb code.
