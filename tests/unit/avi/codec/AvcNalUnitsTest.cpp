@@ -2,6 +2,7 @@
 
 #include "avi/codec/AvcNalUnits.h"
 
+#include <algorithm>
 #include <optional>
 #include <tuple>
 #include <vector>
@@ -128,6 +129,28 @@ TEST(FindNalUnit, EmptyUnitsAreSkipped) {
 TEST(FindNalUnit, UnitAtTheEndIsCutThere) {
     EXPECT_EQ(findUnit({0, 0, 1, 0x68, 3, 7}, 8), (Bytes{0x68, 3, 7}));
     EXPECT_EQ(findUnit({0, 0, 1, 0x68}, 8), Bytes{0x68});
+}
+
+// The platform's search resumes at a start code only if two bytes follow it.
+TEST(FindNalUnit, UnitOfOneByteAfterAnotherIsNotFound) {
+    EXPECT_EQ(findUnit({0, 0, 1, 0x67, 1, 0, 0, 1, 0x68}, 8), std::nullopt);
+    EXPECT_EQ(findUnit({0, 0, 1, 0x67, 1, 0, 0, 1, 0x68, 2}, 8), (Bytes{0x68, 2}));
+    EXPECT_EQ(findUnit({0, 0, 1, 0x67, 1, 0, 0, 1, 0x68}, 7), (Bytes{0x67, 1}));
+}
+
+// Every unit is within the data: a copy of what is outside would show in the size.
+TEST(FindNalUnit, CutsOfAStreamGiveTheFrontOfItsUnit) {
+    const Bytes stream = {0, 0, 0, 1, 0x67, 1, 2, 0, 0, 1, 0x68, 3, 0, 0, 3, 1, 0, 0, 0, 1};
+    const Bytes unit = {0x68, 3, 0, 0, 3, 1};
+    for (size_t size = 0; size <= stream.size(); ++size) {
+        SCOPED_TRACE(size);
+        const Bytes cut(stream.begin(), stream.begin() + static_cast<ptrdiff_t>(size));
+        const std::optional<Bytes> found = findUnit(cut, 8);
+        ASSERT_EQ(found.has_value(), size >= 12);
+        if (!found) continue;
+        const size_t length = size <= 14 ? 2 : std::min<size_t>(size - 10, 6);  // less zeros
+        EXPECT_EQ(*found, Bytes(unit.begin(), unit.begin() + static_cast<ptrdiff_t>(length)));
+    }
 }
 
 TEST(FindNalUnit, NothingToFindGivesNull) {
