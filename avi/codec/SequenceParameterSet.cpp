@@ -2,9 +2,9 @@
 //
 // Walks a sequence parameter set as far as the platform's parser does, with reads that may fail.
 //
-// Parsers differ. The platform's reads the bytes with their emulation prevention, knows a chroma
-// format in seven profiles and eight scaling lists in any; the decoder reads as the standard says;
-// a platform may be mended in part. So a set is walked in every mixture of these.
+// Parsers differ. The platform's reads the bytes with their emulation prevention (00 00 03), knows
+// a chroma format in seven profiles and eight scaling lists in any; a decoder reads as the standard
+// says; a platform may be mended in part. So a set is walked in every mixture of these.
 #include "codec/SequenceParameterSet.h"
 
 #include <algorithm>
@@ -21,18 +21,19 @@ namespace {
 constexpr uint32_t kMaxMacroblocks = 4096;  // 65536 samples: far above what any level allows
 
 struct Reading {
-    bool unescapes;    // takes emulation prevention bytes (00 00 03) out first
-    bool allProfiles;  // knows a chroma format in all 13 profiles that have one, not in 7 only
-    bool allLists;     // reads all 12 scaling lists of 4:4:4, not 8 only
+    size_t profiles;  // how many it knows to have a chroma format
+    size_t lists;     // scaling lists that it reads of 4:4:4
 };
+
+// The first is the platform's, the last the standard's. Seven profiles with twelve lists make no
+// other: where the chroma format is read, the profiles do not matter, and else the lists do not.
+constexpr Reading kReadings[] = {{7, 8}, {13, 8}, {13, 12}};
 
 bool hasChromaFormat(uint32_t profile, const Reading& reading) {
     static constexpr uint32_t kProfiles[] = {100, 110, 122, 244, 44,  83, 86,
                                              118, 128, 138, 139, 134, 135};
-    constexpr size_t kFewProfiles = 7;
-    const uint32_t* const end =
-        reading.allProfiles ? std::end(kProfiles) : std::begin(kProfiles) + kFewProfiles;
-    return std::find(std::begin(kProfiles), end, profile) != end;
+    const uint32_t* const end = kProfiles + reading.profiles;
+    return std::find(kProfiles, end, profile) != end;
 }
 
 void skipScalingList(GracefulBits* bits, size_t length) {
@@ -45,32 +46,37 @@ void skipScalingList(GracefulBits* bits, size_t length) {
     }
 }
 
-// Returns chroma_format_idc, or ChromaArrayType 0 for separate planes.
+// Returns chroma_format_idc. Separate planes are cropped in the units of 4:4:4 as well.
 uint32_t readChromaFormat(GracefulBits* bits, const Reading& reading) {
     const uint32_t chromaFormat = bits->ue();
-    const bool separatePlanes = chromaFormat == 3 && bits->flag();
-    bits->ue();    // bit_depth_luma_minus8
-    bits->ue();    // bit_depth_chroma_minus8
-    bits->flag();  // qpprime_y_zero_transform_bypass_flag
+    if (chromaFormat == 3) bits->flag();  // separate_colour_plane_flag
+    bits->ue();                           // bit_depth_luma_minus8
+    bits->ue();                           // bit_depth_chroma_minus8
+    bits->flag();                         // qpprime_y_zero_transform_bypass_flag
     if (bits->flag()) {
-        const size_t lists = chromaFormat == 3 && reading.allLists ? 12 : 8;
+        const size_t lists = chromaFormat == 3 ? reading.lists : 8;
         for (size_t i = 0; i < lists && bits->ok(); ++i) {
             if (bits->flag()) skipScalingList(bits, i < 6 ? 16 : 64);
         }
     }
-    return separatePlanes ? 0 : chromaFormat;
+    return chromaFormat;
 }
 
-void skipPictureOrderCount(GracefulBits* bits) {
+// Answers whether it has no more than the 255 frames that a set may have, which bounds the walk.
+bool skipPictureOrderCount(GracefulBits* bits) {
+    constexpr uint32_t kMaxFrames = 255;
     const uint32_t type = bits->ue();
     if (type == 0) bits->ue();  // log2_max_pic_order_cnt_lsb_minus4
-    if (type != 1) return;
-    bits->flag();  // delta_pic_order_always_zero_flag
-    bits->se();    // offset_for_non_ref_pic
-    bits->se();    // offset_for_top_to_bottom_field
-    for (uint32_t left = bits->ue(); left > 0 && bits->ok(); --left) {
+    if (type != 1) return true;
+    bits->flag();                        // delta_pic_order_always_zero_flag
+    bits->se();                          // offset_for_non_ref_pic
+    bits->se();                          // offset_for_top_to_bottom_field
+    const uint32_t frames = bits->ue();  // num_ref_frames_in_pic_order_cnt_cycle
+    if (frames > kMaxFrames) return false;
+    for (uint32_t i = 0; i < frames; ++i) {
         bits->se();  // offset_for_ref_frame
     }
+    return true;
 }
 
 // Two crop offsets must leave something of `size` samples.
@@ -104,7 +110,7 @@ bool isSaneIn(const Reading& reading, const uint8_t* data, size_t size) {
         hasChromaFormat(profile, reading) ? readChromaFormat(&bits, reading) : 1;
     if (chroma > 3) return false;  // no decoder knows them; the platform's parser takes them
     bits.ue();                     // log2_max_frame_num_minus4
-    skipPictureOrderCount(&bits);
+    if (!skipPictureOrderCount(&bits)) return false;
     bits.ue();    // max_num_ref_frames
     bits.flag();  // gaps_in_frame_num_value_allowed_flag
     if (!readSaneSize(&bits, chroma)) return false;
@@ -129,21 +135,15 @@ size_t unescape(const uint8_t* data, size_t size, uint8_t* out) {
 }  // namespace
 
 bool isSaneSequenceParameterSet(const uint8_t* data, size_t size) {
-    constexpr size_t kMinSize = 4;  // header, profile, constraints, level
-    if (size < kMinSize) return false;
+    if (size == 0) return false;
     const uint8_t* const raw = data + 1;
     const size_t rawSize = size - 1;
     const std::unique_ptr<uint8_t[]> payload(new (std::nothrow) uint8_t[rawSize]);
     if (payload == nullptr) return false;
     const size_t payloadSize = unescape(raw, rawSize, payload.get());
-    // Every mixture: the first is the platform's reading, the last the standard's.
-    for (unsigned options = 0; options < 8; ++options) {
-        const Reading reading{(options & 4) != 0, (options & 2) != 0, (options & 1) != 0};
-        const bool isSane = reading.unescapes ? isSaneIn(reading, payload.get(), payloadSize)
-                                              : isSaneIn(reading, raw, rawSize);
-        if (!isSane) return false;
-    }
-    return true;
+    return std::all_of(std::begin(kReadings), std::end(kReadings), [&](const Reading& reading) {
+        return isSaneIn(reading, raw, rawSize) && isSaneIn(reading, payload.get(), payloadSize);
+    });
 }
 
 }  // namespace android

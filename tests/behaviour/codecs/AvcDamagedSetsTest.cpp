@@ -192,9 +192,15 @@ TEST_F(AvcDamagedSets, EmulationPreventionThatEndsTheRatioIsNotFound) {
     expectNotFound(sps);
 }
 
-TEST_F(AvcDamagedSets, EndlessPictureOrderCycleIsNotFound) {
+TEST_F(AvcDamagedSets, LongPictureOrderCycleIsNotFound) {
     SpsFields fields;
     fields.pictureOrder = [](SpsBits& bits) { bits.ue(1).u(1, 0).se(0).se(0).ue(0xFFFFFFFE); };
+    expectNotFound(fields.nal());
+    fields.pictureOrder = [](SpsBits& bits) {
+        bits.ue(1).u(1, 0).se(0).se(0).ue(256);
+        for (int i = 0; i < 256; ++i)
+            bits.se(0);
+    };
     expectNotFound(fields.nal());
 }
 

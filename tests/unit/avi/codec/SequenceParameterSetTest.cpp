@@ -229,8 +229,16 @@ TEST(SequenceParameterSet, CropUnitsDependOnChromaAndFields) {
     EXPECT_FALSE(isSane(interlaced.nal()));
 }
 
-TEST(SequenceParameterSet, EndlessCycleIsNotSane) {
+TEST(SequenceParameterSet, CycleOfMoreThan255FramesIsNotSane) {
     SpsFields fields;
+    for (const uint32_t frames : {0u, 1u, 255u, 256u, 257u}) {
+        fields.pictureOrder = [=](SpsBits& bits) {
+            bits.ue(1).u(1, 0).se(0).se(0).ue(frames);
+            for (uint32_t i = 0; i < frames; ++i)
+                bits.se(1);
+        };
+        EXPECT_EQ(isSaneAndParsed(fields.unescapedNal()), frames <= 255) << frames;
+    }
     fields.pictureOrder = [](SpsBits& bits) { bits.ue(1).u(1, 0).se(0).se(0).ue(0xFFFFFFFE); };
     EXPECT_FALSE(isSane(fields.unescapedNal()));
 }
@@ -284,6 +292,29 @@ TEST(SequenceParameterSet, ThreeAfterTwoZerosIsNoData) {
     for (const auto& row : kRows)
         EXPECT_EQ(isSaneAndParsed(withRatioBytes(row.tail)), row.sane)
             << testing::PrintToString(row.tail);
+}
+
+// Sets that read well in five of six ways, found among random ones.
+TEST(SequenceParameterSet, OneBadReadingIsEnough) {
+    const struct {
+        const char* reading;
+        Bytes nal;
+    } kRows[] = {
+        {"raw bytes, seven profiles", {0x67, 0x87, 0x00, 0x00, 0x03, 0x03, 0xE9, 0x39, 0x69, 0x79}},
+        {"raw bytes, 13 profiles, eight lists",
+         {0x67, 0x80, 0x00, 0x00, 0x93, 0xA2, 0x11, 0x00, 0x00, 0x03, 0x84, 0x4C, 0x23, 0x68, 0x20,
+          0xD9}},
+        {"raw bytes, 13 profiles, twelve lists",
+         {0x67, 0x8A, 0x00, 0x00, 0x93, 0x00, 0x00, 0x03, 0x98, 0xD4, 0x12, 0x00, 0xAA, 0xF2}},
+        {"without emulation prevention, seven profiles",
+         {0x67, 0x86, 0x00, 0x00, 0x03, 0x03, 0x11, 0x39, 0x69, 0x92}},
+        {"without emulation prevention, 13 profiles, eight lists",
+         {0x67, 0x87, 0x00, 0x00, 0x03, 0x01, 0x0E, 0x46, 0x80, 0x06, 0x44, 0x9B, 0xF6, 0x80}},
+        {"without emulation prevention, 13 profiles, twelve lists",
+         {0x67, 0x76, 0x00, 0x00, 0x03, 0x03, 0xA1, 0x3A, 0x01, 0x8E, 0x45, 0x36, 0x95}},
+    };
+    for (const auto& row : kRows)
+        EXPECT_FALSE(isSane(row.nal)) << row.reading;
 }
 
 }  // namespace android
