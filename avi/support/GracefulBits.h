@@ -31,11 +31,12 @@ class GracefulBits {
 
     // Unsigned Exp-Golomb code (ISO/IEC 14496-10, 9.1), below 2^32 - 1.
     uint32_t ue() {
+        constexpr size_t kTooManyZeros = 32;
         size_t zeros = 0;
-        while (mOk && !flag()) {
+        while (mOk && zeros < kTooManyZeros && !flag()) {
             ++zeros;
         }
-        if (zeros >= 32) mOk = false;
+        if (zeros == kTooManyZeros) mOk = false;
         const uint64_t suffix = u(zeros);  // may be cut off, too
         return mOk ? static_cast<uint32_t>((uint64_t{1} << zeros) - 1 + suffix) : 0;
     }
