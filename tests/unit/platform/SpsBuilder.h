@@ -37,7 +37,8 @@ class SpsBits {
 
     /// A signed Exp-Golomb code.
     SpsBits& se(int32_t value) {
-        return ue(static_cast<uint32_t>(value > 0 ? 2 * value - 1 : -2 * value));
+        const int64_t wide = value;
+        return ue(static_cast<uint32_t>(wide > 0 ? 2 * wide - 1 : -2 * wide));
     }
 
     /// The bytes, filled up with zeros.
