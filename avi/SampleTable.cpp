@@ -1,7 +1,31 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SampleTable.h"
 
+#include <algorithm>
+
 namespace android {
+
+namespace {
+
+// Flags that other sources of the track may be correcting: each is read as a single value.
+bool isSet(const int8_t* flag) {
+    return __atomic_load_n(flag, __ATOMIC_RELAXED) != 0;
+}
+
+// Eight of them at once.
+using FlagWord = uint64_t __attribute__((may_alias));
+constexpr size_t kWord = sizeof(FlagWord);
+
+bool isAligned(const int8_t* flag) {
+    return reinterpret_cast<uintptr_t>(flag) % kWord == 0;
+}
+
+bool areClear(const int8_t* flags) {
+    const void* word = flags;
+    return __atomic_load_n(static_cast<const FlagWord*>(word), __ATOMIC_RELAXED) == 0;
+}
+
+}  // namespace
 
 void SampleTable::add(const RuvoAVISample& sample, Sizes sizes) {
     if (isEmpty()) mSizes = sizes;
@@ -33,6 +57,37 @@ void SampleTable::correctSyncFlag(size_t i, bool isSync) {
     // The flags have one owner: editing them in place moves nothing under a reader.
     __atomic_store_n(&mSampleSyncs.editItemAt(i), isSync ? kConfirmedSync : int8_t{0},
                      __ATOMIC_RELAXED);
+}
+
+size_t SampleTable::nextSync(size_t from) const {
+    const int8_t* flags = mSampleSyncs.array();
+    const size_t count = mSampleSyncs.size();
+    size_t i = from;
+    while (i < count) {
+        if (isAligned(flags + i) && count - i >= kWord && areClear(flags + i)) {
+            i += kWord;
+        } else if (isSet(flags + i)) {
+            return i;
+        } else {
+            ++i;
+        }
+    }
+    return size();
+}
+
+size_t SampleTable::previousSync(size_t from) const {
+    const int8_t* flags = mSampleSyncs.array();
+    size_t end = std::min(from + 1, mSampleSyncs.size());
+    while (end > 0) {
+        if (isAligned(flags + end) && end >= kWord && areClear(flags + end - kWord)) {
+            end -= kWord;
+        } else if (isSet(flags + end - 1)) {
+            return end - 1;
+        } else {
+            --end;
+        }
+    }
+    return size();
 }
 
 }  // namespace android

@@ -76,6 +76,11 @@ class SampleTable {
         return i < mSampleSyncs.size() ? __atomic_load_n(&mSampleSyncs[i], __ATOMIC_RELAXED) : 0;
     }
 
+    // The first entry from `from` on, or the last one up to it, that has a key flag; size() when
+    // there is none. At the speed of memory: a film may have one key frame in a million.
+    size_t nextSync(size_t from) const;
+    size_t previousSync(size_t from) const;
+
     // A key flag that the frame's own data confirmed; negative, unlike those of an index.
     static constexpr int8_t kConfirmedSync = -127;
 

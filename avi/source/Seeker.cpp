@@ -34,27 +34,28 @@ bool Seeker::getSampleIndexBySeekTime(int64_t timeUs, SeekMode mode, SeekLanding
 }
 
 bool Seeker::seekVideo(int64_t timeUs, SeekMode mode, SeekLanding* out) const {
-    const auto last = static_cast<int32_t>(mTrack.table.size()) - 1;
+    const auto count = static_cast<int32_t>(mTrack.table.size());
     int32_t calculated = unitAtTime(timeUs, mTrack.info.mScale, mTrack.info.mRate);
     AVI_LOGD("[%s] Calculated sample index %d @seekTime%lldus", mTrack.mime.c_str(), calculated,
              ll(timeUs));
     if (mode == SeekMode::SEEK_NEXT_SYNC) {
-        if (!findNextSync(calculated, last, &out->index)) return beyondEnd(__LINE__);
+        if (!findNextSync(static_cast<size_t>(calculated), &out->index)) return beyondEnd(__LINE__);
     } else {
-        calculated = std::min(calculated, last);
-        out->index = findPreviousSync(calculated);
+        calculated = std::min(calculated, count - 1);
+        out->index = findPreviousSync(static_cast<size_t>(calculated));
     }
     if (mode == SeekMode::SEEK_CLOSEST) {
         // The decoder drops what lies between the key frame and the frame that was asked for.
         out->targetUs = unitsToUs(calculated, mTrack.info.mScale, mTrack.info.mRate);
     }
     AVI_LOGD("[%s] seekTo sync index %d/%d nearby seekTime %lldus", mTrack.mime.c_str(),
-             static_cast<int>(out->index), last + 1, ll(timeUs));
+             static_cast<int>(out->index), count, ll(timeUs));
     return true;
 }
 
-bool Seeker::findNextSync(int32_t from, int32_t last, uint32_t* index) const {
-    for (int32_t i = from; i <= last; ++i) {
+bool Seeker::findNextSync(size_t from, uint32_t* index) const {
+    const SampleTable& table = mTrack.table;
+    for (size_t i = table.nextSync(from); i < table.size(); i = table.nextSync(i + 1)) {
         if (!landsOn(i, "index:")) continue;
         *index = static_cast<uint32_t>(i);
         return true;
@@ -62,27 +63,28 @@ bool Seeker::findNextSync(int32_t from, int32_t last, uint32_t* index) const {
     return false;
 }
 
-uint32_t Seeker::findPreviousSync(int32_t from) const {
-    for (int32_t i = from; i >= 0; --i) {
+uint32_t Seeker::findPreviousSync(size_t from) const {
+    const SampleTable& table = mTrack.table;
+    size_t i = table.previousSync(from);
+    while (i < table.size()) {
         if (landsOn(i, "index: ")) return static_cast<uint32_t>(i);
+        i = i == 0 ? table.size() : table.previousSync(i - 1);
     }
     AVI_LOGW("[%s] found no prev sync frame", mTrack.mime.c_str());
     return 0;
 }
 
-// Whether a seek may land on sample i: a key frame, by its data where the index is not trusted.
-// `label` is how the log line names the index.
-bool Seeker::landsOn(int32_t i, const char* label) const {
-    const auto at = static_cast<size_t>(i);
-    const int8_t flag = mTrack.table.syncFlag(at);
-    if (flag == 0) return false;
+// Whether a seek may land on sample i, which has a key flag: a key frame, by its data where the
+// index is not trusted. `label` is how the log line names the index.
+bool Seeker::landsOn(size_t i, const char* label) const {
+    const int8_t flag = mTrack.table.syncFlag(i);
     if (!mTrack.info.mBrokenIndex || flag < 0) {
         AVI_LOGD("[%s] seek mBrokenIndex:%d -- isSyncSample:%d, %s%d @L%d", mTrack.mime.c_str(),
-                 mTrack.info.mBrokenIndex, flag, label, i, __LINE__);
+                 mTrack.info.mBrokenIndex, flag, label, static_cast<int>(i), __LINE__);
         return true;
     }
-    if (!fixSyncSample(at)) return false;
-    AVI_LOGD("[%s] seek sync index: %d @L%d", mTrack.mime.c_str(), i, __LINE__);
+    if (!fixSyncSample(i)) return false;
+    AVI_LOGD("[%s] seek sync index: %d @L%d", mTrack.mime.c_str(), static_cast<int>(i), __LINE__);
     return true;
 }
 

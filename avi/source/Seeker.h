@@ -24,14 +24,15 @@ class Seeker {
 
     explicit Seeker(const SourceTrack& track) : mTrack(track) {}
 
-    // False, with a line in the log, when the time lies beyond the last sample.
+    // False, with a line in the log, when the time lies beyond the last sample. REQUIRES: the table
+    // is not empty, timeUs >= 0.
     bool getSampleIndexBySeekTime(int64_t timeUs, SeekMode mode, SeekLanding* out) const;
 
   private:
     bool seekVideo(int64_t timeUs, SeekMode mode, SeekLanding* out) const;
-    bool findNextSync(int32_t from, int32_t last, uint32_t* index) const;
-    uint32_t findPreviousSync(int32_t from) const;
-    bool landsOn(int32_t i, const char* label) const;
+    bool findNextSync(size_t from, uint32_t* index) const;
+    uint32_t findPreviousSync(size_t from) const;
+    bool landsOn(size_t i, const char* label) const;
     bool fixSyncSample(size_t i) const;
     bool seekBlocks(int64_t timeUs, SeekLanding* out) const;
     bool seekAudio(int64_t timeUs, SeekLanding* out) const;
