@@ -15,6 +15,7 @@ namespace {
 constexpr uint32_t kFirstSyncBit = 0x80000000;
 constexpr size_t kMinFrameSize = 4;
 constexpr size_t kZeroedSideInfo = 12;
+constexpr size_t kCreatedSize = kMpegAudioHeaderSize + kZeroedSideInfo;
 
 }  // namespace
 
@@ -28,7 +29,7 @@ MpegAudioCutter::MpegAudioCutter(const TrackInfo& info)
 
 MpegAudioFound MpegAudioCutter::find(const uint8_t* data, size_t length) const {
     MpegAudioFound found;
-    for (size_t p = 0; p + kMpegAudioHeaderSize <= length; ++p) {
+    for (size_t p = mSearched; p + kMpegAudioHeaderSize <= length; ++p) {
         const uint32_t candidate = U32_AT(data + p);
         if (((candidate ^ mStreamHeader) & kMpegAudioStreamMask) != 0) continue;
         found.position = static_cast<int>(p);
@@ -39,17 +40,28 @@ MpegAudioFound MpegAudioCutter::find(const uint8_t* data, size_t length) const {
     return found;
 }
 
-MpegAudioCut MpegAudioCutter::cut(const uint8_t* data, size_t length) const {
+MpegAudioCut MpegAudioCutter::cut(const uint8_t* data, size_t length) {
+    const MpegAudioCut cut = chooseCut(find(data, length), length);
+    const size_t searched =
+        cut.found.position < 0 ? length : static_cast<size_t>(cut.found.position);
+    const size_t taken = cut.start + cut.size;
+    // A created header may reach into what is left, where it is found or not.
+    const bool keepsRest = cut.kind != MpegAudioCut::Kind::kHeaderless || cut.size >= kCreatedSize;
+    mSearched = keepsRest && searched > taken ? searched - taken : 0;
+    return cut;
+}
+
+MpegAudioCut MpegAudioCutter::chooseCut(const MpegAudioFound& found, size_t length) const {
     MpegAudioCut cut;
-    cut.found = find(data, length);
-    if (cut.found.isValid && cut.found.frameSize >= kMinFrameSize) {
-        cut.start = static_cast<size_t>(cut.found.position);
-        cut.size = cut.found.frameSize;
+    cut.found = found;
+    if (found.isValid && found.frameSize >= kMinFrameSize) {
+        cut.start = static_cast<size_t>(found.position);
+        cut.size = found.frameSize;
         const bool isWhole = cut.size <= length - cut.start;
         cut.kind = isWhole ? MpegAudioCut::Kind::kFrame : MpegAudioCut::Kind::kSpanning;
         return cut;
     }
-    const bool needsHeader = !cut.found.isValid && length >= kMpegAudioHeaderSize;
+    const bool needsHeader = !found.isValid && length >= kMpegAudioHeaderSize;
     cut.kind = needsHeader ? MpegAudioCut::Kind::kHeaderless : MpegAudioCut::Kind::kRest;
     cut.size = needsHeader && mBlockSize != 0 ? std::min(mBlockSize, length) : length;
     return cut;

@@ -43,8 +43,12 @@ class MpegAudioCutter {
     // True for streams in which a frame header was found; others are not cut.
     bool isActive() const { return mIsActive; }
 
-    // The next cut of `length` bytes. REQUIRES: length > 0.
-    MpegAudioCut cut(const uint8_t* data, size_t length) const;
+    // The next cut is made in other data than what the last one left.
+    void beginData() { mSearched = 0; }
+
+    // The next cut of `length` bytes: those that the last cut left, unless beginData() was called.
+    // REQUIRES: length > 0.
+    MpegAudioCut cut(const uint8_t* data, size_t length);
 
     // Gives data without a header one, so that the decoder stays in step: the stream's own, with
     // the side information zeroed. REQUIRES: length >= 4.
@@ -57,6 +61,7 @@ class MpegAudioCutter {
 
   private:
     MpegAudioFound find(const uint8_t* data, size_t length) const;
+    MpegAudioCut chooseCut(const MpegAudioFound& found, size_t length) const;
     static int64_t durationUs(const MpegAudioCut& cut);
 
     bool mIsActive;
@@ -64,6 +69,10 @@ class MpegAudioCutter {
     size_t mBlockSize;    // of a frame without a header, 0: all there is
     int64_t mUnitUs;      // of a frame without a header
     int64_t mTimeUs = 0;  // running time
+
+    // Bytes at the beginning of what the last cut left where no header begins: blocks are cut off a
+    // chunk one by one, and the chunk is not to be searched to its end for each of them.
+    size_t mSearched = 0;
 };
 
 }  // namespace android

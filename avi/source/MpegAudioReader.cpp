@@ -47,6 +47,7 @@ media_status_t MpegAudioReader::load(Chunk* chunk) {
         const media_status_t err = mBuffers.acquireForChunk(&mRest);
         if (err != AMEDIA_OK) return err;
     }
+    mCutter.beginData();
     mLog.beginRead();
     if (!readChunk(mTrack, *chunk, mRest, rest)) {
         mRest.reset();

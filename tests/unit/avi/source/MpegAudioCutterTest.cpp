@@ -34,8 +34,7 @@ Bytes dataWith(uint32_t header, size_t position, size_t length) {
     return result;
 }
 
-MpegAudioCut cutOf(const Bytes& data,
-                   const MpegAudioCutter& cutter = MpegAudioCutter(streamOf(kHeader))) {
+MpegAudioCut cutOf(const Bytes& data, MpegAudioCutter cutter = MpegAudioCutter(streamOf(kHeader))) {
     const Bytes exact(data);  // nothing behind its end
     return cutter.cut(exact.data(), exact.size());
 }
@@ -145,6 +144,46 @@ TEST(MpegAudioCutter, BlockModeLimitsHeaderlessDataOnly) {
     EXPECT_EQ(cutOf(Bytes(1151, 0), cutter).size, 1151u);
     EXPECT_EQ(cutOf(Bytes(3, 0), cutter).size, 3u);
     EXPECT_EQ(cutOf(dataWith(kHeader, 0, 3000), cutter).size, kFrameSize);
+}
+
+// Cuts `data` to its end, a created header written where one is made, and says where each cut found
+// one. `forget`: every cut searches from the beginning.
+std::vector<int> positionsIn(Bytes data, size_t blockSize, bool forget) {
+    TrackInfo info = streamOf(kHeader);
+    info.mBlockMode = true;
+    info.mBlockAlign = static_cast<uint32_t>(blockSize);
+    MpegAudioCutter cutter(info);
+    std::vector<int> positions;
+    for (size_t at = 0; at < data.size();) {
+        if (forget) cutter.beginData();
+        const MpegAudioCut cut = cutter.cut(data.data() + at, data.size() - at);
+        positions.push_back(cut.found.position);
+        if (cut.kind == Kind::kHeaderless) cutter.createHeader(data.data() + at, data.size() - at);
+        at += cut.start + cut.size;
+    }
+    return positions;
+}
+
+TEST(MpegAudioCutter, WhatWasSearchedIsNotSearchedAgain) {
+    for (const uint32_t header : {kHeader, 0xFFFBF000u}) {  // the second has no bit rate
+        for (const size_t blockSize : {1u, 4u, 15u, 16u, 17u, 100u, 1152u}) {
+            for (const size_t position : {0u, 1u, 50u, 99u, 100u, 101u, 583u}) {
+                SCOPED_TRACE(position);
+                const Bytes data = dataWith(header, position, 1000);
+                EXPECT_EQ(positionsIn(data, blockSize, false), positionsIn(data, blockSize, true));
+            }
+        }
+    }
+}
+
+TEST(MpegAudioCutter, OtherDataIsSearchedFromItsBeginning) {
+    TrackInfo info = streamOf(kHeader);
+    info.mBlockMode = true;
+    info.mBlockAlign = 100;
+    MpegAudioCutter cutter(info);
+    cutter.cut(Bytes(3000, 0).data(), 3000);
+    cutter.beginData();
+    EXPECT_EQ(cutter.cut(dataWith(kHeader, 20, 3000).data(), 3000).found.position, 20);
 }
 
 TEST(MpegAudioCutter, BlockAlignWithoutBlockModeLimitsNothing) {
