@@ -30,7 +30,7 @@ bool isAviForm(FourCC type) {
 CreatorFunc Sniff(CDataSource* source, float* confidence, void** /*meta*/,
                   FreeMetaFunc* /*freeMeta*/) {
     AVI_LOGV("Sniff +");
-    const FileReader reader(new DataSourceHelper(source));
+    FileReader reader(new DataSourceHelper(source));
     ChunkHeader header;
     const HeaderRead read = readChunkHeader(reader, 0, &header);
     if (read != HeaderRead::kWhole || header.id != fourcc("RIFF") || !isAviForm(header.type)) {

@@ -5,9 +5,9 @@
 
 namespace android {
 
-HeaderRead readChunkHeader(const FileReader& reader, int64_t position, ChunkHeader* out) {
+HeaderRead readChunkHeader(FileReader& reader, int64_t position, ChunkHeader* out) {
     uint8_t bytes[kListHeaderSize] = {};
-    const ssize_t count = reader.readAt(position, bytes, sizeof(bytes));
+    const ssize_t count = reader.readNear(position, bytes, sizeof(bytes));
     if (count < 0 || count > kListHeaderSize) return HeaderRead::kUnreadable;
     ByteReader in(bytes, static_cast<size_t>(count));
     ChunkHeader header;  // u32 id | u32 size | u32 type
@@ -27,7 +27,8 @@ bool ChunkWalker::advancePlain() {
 
 bool ChunkWalker::advanceTag() {
     uint8_t bytes[kChunkHeaderSize];
-    if (!mReader.readExactly(mNext, bytes, sizeof(bytes))) return false;
+    const auto wanted = static_cast<ssize_t>(sizeof(bytes));
+    if (mReader.readNear(mNext, bytes, sizeof(bytes)) != wanted) return false;
     ChunkHeader header;  // u32 id | u32 size
     ByteReader in(bytes, sizeof(bytes));
     in.code(&header.id);

@@ -34,12 +34,12 @@ enum class HeaderRead {
 // Reads the 12 bytes at `position`, whatever the chunk is: the type of a plain chunk is just the
 // first bytes of its payload. Where only 8 bytes come, `out` has no type; kUnreadable leaves it
 // alone.
-HeaderRead readChunkHeader(const FileReader& reader, int64_t position, ChunkHeader* out);
+HeaderRead readChunkHeader(FileReader& reader, int64_t position, ChunkHeader* out);
 
 class ChunkWalker {
   public:
     // Walks from `start`, the offset of the first chunk. `reader` must outlive the walker.
-    ChunkWalker(const FileReader& reader, int64_t start)
+    ChunkWalker(FileReader& reader, int64_t start)
         : mReader(reader), mPosition(start), mNext(start) {}
 
     // Reads the header at next() and steps onto that chunk. kZeroTail and kUnreadable leave the
@@ -77,7 +77,7 @@ class ChunkWalker {
         mNext += kChunkHeaderSize + paddedSize(header.size);
     }
 
-    const FileReader& mReader;
+    FileReader& mReader;
     ChunkHeader mHeader;
     int64_t mPosition;
     int64_t mNext;

@@ -2,10 +2,27 @@
 #include "FileReader.h"
 
 #include <media/stagefright/MediaErrors.h>
+#include <string.h>
 
+#include <algorithm>
 #include <limits>
 
 namespace android {
+
+namespace {
+
+// An honest file has a part of its bytes read as buffers, and few of them twice.
+constexpr uint64_t kBufferBudgetFactor = 4;
+constexpr uint64_t kBufferBudgetBase = 64 * 1024;
+
+// The window: up to the transfer unit of the platform's remote sources, and only for pieces that
+// lie so close together that some of them fit in.
+constexpr size_t kMaxWindow = 64 * 1024;
+constexpr size_t kMinWindow = 4 * 1024;
+constexpr int64_t kMaxGap = 8 * 1024;
+constexpr uint32_t kMinRow = 16;  // pieces that lay so close, before any is fetched ahead of time
+
+}  // namespace
 
 int64_t FileReader::askSize() const {
     const std::lock_guard<std::mutex> lock(mLock);
@@ -30,8 +47,49 @@ bool FileReader::readExactly(int64_t offset, void* out, size_t size) const {
     return readAt(offset, out, size) == static_cast<ssize_t>(size);
 }
 
-status_t FileReader::readBuffer(int64_t offset, size_t size, sp<ABuffer>* out) const {
-    if (!holds(offset, size)) return ERROR_IO;
+void FileReader::keepSize() {
+    mSize = askSize();
+    mBufferBudget = kBufferBudgetFactor * static_cast<uint64_t>(std::max<int64_t>(mSize, 0)) +
+                    kBufferBudgetBase;
+}
+
+bool FileReader::isInWindow(int64_t offset, size_t size) const {
+    if (offset < mWindow.offset) return false;
+    const auto skipped = static_cast<uint64_t>(offset - mWindow.offset);
+    return skipped <= mWindow.size && size <= mWindow.size - skipped;
+}
+
+// Fetches the window that begins at `offset`, twice as much each time that pieces go on to follow
+// closely.
+void FileReader::moveWindow(int64_t offset, size_t size) {
+    mWindow.size = 0;
+    if (mWindow.row < kMinRow || !holds(offset, size)) {
+        mWindow.reach = 0;
+        return;
+    }
+    mWindow.reach = std::clamp(2 * mWindow.reach, kMinWindow, kMaxWindow);
+    const auto rest = static_cast<uint64_t>(mSize - offset);
+    const size_t wanted = std::min<uint64_t>(mWindow.reach, rest);
+    mWindow.bytes.resize(wanted);
+    const ssize_t got = readAt(offset, mWindow.bytes.data(), wanted);
+    if (got < 0 || static_cast<size_t>(got) > wanted) return;
+    mWindow.offset = offset;
+    mWindow.size = static_cast<size_t>(got);
+}
+
+ssize_t FileReader::readNear(int64_t offset, void* out, size_t size) {
+    const bool isNear = offset >= mWindow.last && offset - mWindow.last <= kMaxGap;
+    mWindow.row = isNear ? mWindow.row + 1 : 0;
+    mWindow.last = offset;
+    if (!isInWindow(offset, size)) moveWindow(offset, size);
+    if (!isInWindow(offset, size)) return readAt(offset, out, size);
+    memcpy(out, mWindow.bytes.data() + (offset - mWindow.offset), size);
+    return static_cast<ssize_t>(size);
+}
+
+status_t FileReader::readBuffer(int64_t offset, size_t size, sp<ABuffer>* out) {
+    if (!holds(offset, size) || size > mBufferBudget) return ERROR_IO;
+    mBufferBudget -= size;
     sp<ABuffer> buffer = new ABuffer(size);
     if (buffer->base() == nullptr && size > 0) return NO_MEMORY;
     if (!readExactly(offset, buffer->data(), size)) return ERROR_IO;

@@ -15,6 +15,7 @@
 
 #include <memory>
 #include <mutex>
+#include <vector>
 
 namespace android {
 
@@ -28,7 +29,7 @@ class FileReader {
 
     // Asks for the size and keeps it for size() and holds(). Called by the parse, before any other
     // thread reads.
-    void keepSize() { mSize = askSize(); }
+    void keepSize();
     int64_t size() const { return mSize; }
 
     // True when the file, by the size kept, has `size` bytes at `offset`: asked before anything is
@@ -42,13 +43,38 @@ class FileReader {
     // Reads exactly `size` bytes; false when another number came back.
     bool readExactly(int64_t offset, void* out, size_t size) const;
 
-    // Reads a whole payload into a new buffer: ERROR_IO when the file does not hold it, NO_MEMORY.
-    status_t readBuffer(int64_t offset, size_t size, sp<ABuffer>* out) const;
+    // For the parse alone, which reads one small piece after the other: as readAt(), but where the
+    // pieces lie close together they are fetched ahead of time, many in one call of the source.
+    // Only the bytes that are asked for decide: a fetch that fails or comes short is made again for
+    // them alone.
+    ssize_t readNear(int64_t offset, void* out, size_t size);
+
+    // For the parse alone: reads a whole payload into a new buffer. ERROR_IO when the file does not
+    // hold it, NO_MEMORY. All buffers together may have a few times the bytes of the file, since
+    // many entries of an index can name the same ones; what exceeds that is ERROR_IO too.
+    status_t readBuffer(int64_t offset, size_t size, sp<ABuffer>* out);
+
+    // Gives back what readNear() fetched.
+    void endParse() { mWindow = {}; }
 
   private:
+    // Bytes that were fetched ahead of time.
+    struct Window {
+        std::vector<uint8_t> bytes;
+        int64_t offset = 0;  // of the bytes in the file
+        size_t size = 0;     // how many of them are there
+        int64_t last = 0;    // where the last piece began
+        uint32_t row = 0;    // how many pieces in a row lay close to the one before
+        size_t reach = 0;    // how much was fetched last; 0: nothing
+    };
+    bool isInWindow(int64_t offset, size_t size) const;
+    void moveWindow(int64_t offset, size_t size);
+
     const std::unique_ptr<DataSourceHelper> mSource;
     mutable std::mutex mLock;  // held while the source is asked
     int64_t mSize = 0;
+    uint64_t mBufferBudget = 0;  // bytes that readBuffer() may still read
+    Window mWindow;
 };
 
 }  // namespace android

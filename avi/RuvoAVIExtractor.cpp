@@ -118,6 +118,7 @@ status_t RuvoAVIExtractor::readMetaData() {
 }
 
 status_t RuvoAVIExtractor::parseOnce() {
+    const LogLimit limit;
     ChunkHeader header;
     if (readChunkHeader(mReader, 0, &header) != HeaderRead::kWhole) {
         return fail("readMetaData", status_t{ERROR_IO}, kLineUnreadableHeader);
@@ -134,6 +135,7 @@ status_t RuvoAVIExtractor::parseOnce() {
     const status_t err = segments.list();
     if (err != OK) return err;
     mInitCheck = segments.parseFirstRIFF();
+    mReader.endParse();
     AMediaFormat_setString(mFile.meta.get(), AMEDIAFORMAT_KEY_MIME, MEDIA_MIMETYPE_CONTAINER_AVI);
     if (mInitCheck != OK) {
         AVI_LOGE("%s(): error(%d) happens when parse file!", "readMetaData", mInitCheck);

@@ -7,6 +7,8 @@ namespace android {
 
 namespace {
 
+constexpr size_t kMinRows = 64;
+
 // Flags that other sources of the track may be correcting: each is read as a single value.
 bool isSet(const int8_t* flag) {
     return __atomic_load_n(flag, __ATOMIC_RELAXED) != 0;
@@ -27,7 +29,18 @@ bool areClear(const int8_t* flags) {
 
 }  // namespace
 
-void SampleTable::add(const RuvoAVISample& sample, Sizes sizes) {
+// Makes room for one more row in every column, or reports that there is none.
+bool SampleTable::hasRoom(bool keepsSyncFlags) {
+    const size_t rows = size();
+    if (rows < mSampleSizes.capacity()) return true;
+    const size_t more = std::max(kMinRows, rows + rows / 2);
+    return mSampleOffsets.setCapacity(more) >= 0 &&
+           (!keepsSyncFlags || mSampleSyncs.setCapacity(more) >= 0) &&
+           mSampleSizes.setCapacity(more) >= 0;  // the last: it tells what all have room for
+}
+
+bool SampleTable::add(const RuvoAVISample& sample, Sizes sizes, bool keepsSyncFlags) {
+    if (!hasRoom(keepsSyncFlags)) return false;
     if (isEmpty()) mSizes = sizes;
     uint32_t entry = sample.size;
     if (mSizes == Sizes::kRunningTotals && !isEmpty()) {
@@ -35,6 +48,21 @@ void SampleTable::add(const RuvoAVISample& sample, Sizes sizes) {
     }
     mSampleOffsets.push_back(sample.offset);
     mSampleSizes.push_back(static_cast<int32_t>(entry));
+    if (keepsSyncFlags) mSampleSyncs.push_back(static_cast<int8_t>(sample.isSyncSample));
+    return true;
+}
+
+bool SampleTable::addBlockTotals(uint32_t blockSize) {
+    Vector<int32_t> totals;
+    if (totals.setCapacity(size()) < 0) return false;
+    uint32_t blocks = 0;
+    for (size_t i = 0; i < size(); ++i) {
+        const uint32_t bytes = chunkSize(i);
+        blocks = wrapAdd32(blocks, bytes / blockSize + (bytes % blockSize != 0 ? 1 : 0));
+        totals.push_back(static_cast<int32_t>(blocks));
+    }
+    mSampleBlockSizes = totals;
+    return true;
 }
 
 void SampleTable::makeRunningTotals() {

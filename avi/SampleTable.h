@@ -31,16 +31,15 @@ class SampleTable {
     size_t size() const { return mSampleSizes.size(); }
     bool isEmpty() const { return mSampleSizes.isEmpty(); }
 
-    // Appends a row. `sizes` counts for the first row alone, later ones follow it.
-    void add(const RuvoAVISample& sample, Sizes sizes);
+    // Appends a row, with its key flag where the track keeps them. `sizes` counts for the first row
+    // alone, later ones follow it. False, and nothing changed, when there is no memory for a whole
+    // row.
+    bool add(const RuvoAVISample& sample, Sizes sizes, bool keepsSyncFlags);
 
-    // Appends the key flag of the row that add() appended last: video tracks keep one for each.
-    void addSyncFlag(bool isSync) { mSampleSyncs.push_back(isSync ? int8_t{1} : int8_t{0}); }
-
-    // Appends the audio blocks up to the end of the next row: tracks in block mode keep them.
-    void addBlockTotal(uint32_t blocks) {
-        mSampleBlockSizes.push_back(static_cast<int32_t>(blocks));
-    }
+    // Keeps for every row the audio blocks up to its end (modulo 2^32), a part of a block counting
+    // as one. False, and nothing changed, when there is no memory for them. REQUIRES: blockSize >
+    // 0.
+    bool addBlockTotals(uint32_t blockSize);
 
     // Turns sizes into running totals: for streams that are timed by bytes though their header does
     // not say so.
@@ -91,6 +90,7 @@ class SampleTable {
     size_t blockTotals() const { return mSampleBlockSizes.size(); }
 
   private:
+    bool hasRoom(bool keepsSyncFlags);
     uint32_t sizeEntry(size_t i) const { return static_cast<uint32_t>(mSampleSizes[i]); }
 
     Vector<int64_t> mSampleOffsets;

@@ -89,6 +89,7 @@ struct Track {
     bool mIsHEVC = false;
     bool mIsVorbis = false;
     bool mINDXValid = false;               // the table came from an OpenDML index
+    bool mIsConfigured = false;            // its codec was configured from its samples
     bool mNeedCodecData = false;           // the decoder wants configuration from the first samples
     bool mIsIncludeExpensiveMeta = false;  // the thumbnail time is in meta
 };

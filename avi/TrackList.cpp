@@ -16,6 +16,7 @@ Track* TrackList::byStream(uint32_t streamNumber) const {
 }
 
 Track* TrackList::add(uint32_t streamNumber) {
+    ++mChanges;
     mTracks.push_back(std::make_unique<Track>());
     Track* track = mTracks.back().get();
     track->info.mStreamIndex = streamNumber;
@@ -26,6 +27,7 @@ Track* TrackList::add(uint32_t streamNumber) {
 }
 
 void TrackList::drop(Track* track) {
+    ++mChanges;
     Track*& slot = mByStream[track->info.mStreamIndex];
     if (slot == track) slot = nullptr;
     const auto holds = [track](const std::unique_ptr<Track>& held) { return held.get() == track; };
@@ -40,11 +42,6 @@ void TrackList::putVideoFirst(const Track* track) {
                                     [track](const auto& held) { return held.get() == track; });
     std::rotate(mTracks.begin(), place, place + 1);
     AVI_LOGD("%s(): Put video track on the front.", "parseSTRF");
-}
-
-void TrackList::clear() {
-    mByStream.clear();
-    mTracks.clear();
 }
 
 }  // namespace android

@@ -41,9 +41,11 @@ class TrackList {
     // Puts a video track in front of all others, unless video is there already.
     void putVideoFirst(const Track* track);
 
-    void clear();
+    // Counts the tracks that came and went: what was found out about all of them holds until then.
+    uint32_t changes() const { return mChanges; }
 
   private:
+    uint32_t mChanges = 0;
     Tracks mTracks;
     std::vector<Track*> mByStream;  // null where a stream was dropped
 };

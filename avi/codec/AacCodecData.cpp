@@ -58,7 +58,7 @@ void reconcileFormat(AMediaFormat* meta, const AacConfig& config, uint32_t waveR
 }
 
 // The first bytes of a sample that can be read whole; what it does not have counts as 0.
-bool readAdtsProbe(const FileReader& reader, const Track& track, size_t i,
+bool readAdtsProbe(FileReader& reader, const Track& track, size_t i,
                    uint8_t (*out)[kAdtsProbeBytes]) {
     sp<ABuffer> sample;
     if (readSample(reader, track, i, &sample) != OK) return false;
@@ -95,7 +95,7 @@ void publishAacConfig(const uint8_t (&header)[kAdtsProbeBytes], Track* track) {
 
 }  // namespace
 
-void generateAACCodecData(const FileReader& reader, Track* track) {
+void generateAACCodecData(FileReader& reader, Track* track) {
     uint8_t header[kAdtsProbeBytes];
     if (readAdtsProbe(reader, *track, 0, &header)) publishAacConfig(header, track);
     if (!extractLogEnabled()) return;

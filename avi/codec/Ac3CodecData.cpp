@@ -22,7 +22,7 @@ bool isAc3SyncWord(const uint8_t* data) {
     return data[0] == 0x0B && data[1] == 0x77;
 }
 
-void generateAC3CodecData(const FileReader& reader, Track* track) {
+void generateAC3CodecData(FileReader& reader, Track* track) {
     uint32_t* invalid = &track->info.mInvalidDataSize;
     for (size_t i = 0; i < track->mTable.size(); ++i) {
         sp<ABuffer> sample;

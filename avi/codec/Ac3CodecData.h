@@ -10,6 +10,6 @@ namespace android {
 bool isAc3SyncWord(const uint8_t* data);
 
 // Counts the junk in front of the first AC-3 sync word.
-void generateAC3CodecData(const FileReader& reader, Track* track);
+void generateAC3CodecData(FileReader& reader, Track* track);
 
 }  // namespace android

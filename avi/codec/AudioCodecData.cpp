@@ -34,7 +34,7 @@ void configureAdpcm(Track* track) {
 
 }  // namespace
 
-void generateAudioCodecData(const FileReader& reader, Track* track) {
+void generateAudioCodecData(FileReader& reader, Track* track) {
     const char* mime = trackMime(*track);
     track->mBadTrack = track->mTable.size() == 0;
     if (track->mBadTrack || track->mIsSubtitle) return;

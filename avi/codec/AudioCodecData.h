@@ -8,6 +8,6 @@ namespace android {
 
 // Codec configuration of an audio track, once its sample table is complete: hands on to the codec's
 // own builder. May make the track bad.
-void generateAudioCodecData(const FileReader& reader, Track* track);
+void generateAudioCodecData(FileReader& reader, Track* track);
 
 }  // namespace android

@@ -50,7 +50,8 @@ void publishAvcConfig(AMediaFormat* meta, const sp<ABuffer>& record, const Dimen
 }
 
 void logRecord(const sp<ABuffer>& record) {
-    const std::unique_ptr<char[]> text = hexText(record->data(), record->size(), HexCase::kUpper);
+    const size_t shown = std::min(record->size(), kMaxLoggedBytes);
+    const std::unique_ptr<char[]> text = hexText(record->data(), shown, HexCase::kUpper);
     if (text == nullptr) {
         AVI_LOGE("malloc(%zu) falied!", 3 * record->size() + 1);
         return;
@@ -87,7 +88,7 @@ void makeAvcConfig(AMediaFormat* meta, const sp<ABuffer>& range) {
 
 }  // namespace
 
-void generateAvcCodecData(const FileReader& reader, Track* track) {
+void generateAvcCodecData(FileReader& reader, Track* track) {
     sp<ABuffer> sample;
     logFirstSample("generateAvcCodecData", *track);
     if (readSample(reader, *track, 0, &sample) != OK) {

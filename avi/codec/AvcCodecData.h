@@ -10,6 +10,6 @@ namespace android {
 // picture (ISO/IEC 14496-15), the picture size and the aspect ratio. A first sample that cannot be
 // read makes the track bad; one without such a picture changes nothing. REQUIRES: the track has
 // samples.
-void generateAvcCodecData(const FileReader& reader, Track* track);
+void generateAvcCodecData(FileReader& reader, Track* track);
 
 }  // namespace android

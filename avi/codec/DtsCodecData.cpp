@@ -12,7 +12,7 @@ namespace android {
 // A stream that does not show its frames within these chunks keeps what its stream format says.
 constexpr size_t kMaxProbedSamples = 11;
 
-void generateDtsCodecData(const FileReader& reader, Track* track) {
+void generateDtsCodecData(FileReader& reader, Track* track) {
     const size_t probed = std::min(track->mTable.size(), kMaxProbedSamples);
     for (size_t i = 0; i < probed; ++i) {
         sp<ABuffer> sample;

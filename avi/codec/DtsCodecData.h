@@ -7,6 +7,6 @@
 namespace android {
 
 // Publishes type, rate and channels of the first DTS frame (ETSI TS 102 114).
-void generateDtsCodecData(const FileReader& reader, Track* track);
+void generateDtsCodecData(FileReader& reader, Track* track);
 
 }  // namespace android

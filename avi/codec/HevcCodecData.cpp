@@ -37,7 +37,7 @@ void logSequenceHeader(const sp<ABuffer>& sample, const HevcSequenceHeader& h) {
 
 }  // namespace
 
-void generateHevcCodecData(const FileReader& reader, Track* track) {
+void generateHevcCodecData(FileReader& reader, Track* track) {
     AMediaFormat* meta = track->meta.get();
     if (hasConfig(meta)) return;
     sp<ABuffer> sample;

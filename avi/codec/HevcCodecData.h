@@ -9,6 +9,6 @@ namespace android {
 // Publishes the decoder configuration record of the parameter sets in front of the first picture
 // (ISO/IEC 14496-15), unless the stream format brought one. A first sample without them makes the
 // track bad. REQUIRES: the track has samples.
-void generateHevcCodecData(const FileReader& reader, Track* track);
+void generateHevcCodecData(FileReader& reader, Track* track);
 
 }  // namespace android

@@ -29,7 +29,7 @@ size_t sequenceHeaderLength(const sp<ABuffer>& sample) {
 
 }  // namespace
 
-void generateMPEG2CodecData(const FileReader& reader, Track* track) {
+void generateMPEG2CodecData(FileReader& reader, Track* track) {
     sp<ABuffer> sample;
     if (readSample(reader, *track, 0, &sample) != OK) {
         AVI_LOGW("Something wrong to generateMPEG2CodecData.");

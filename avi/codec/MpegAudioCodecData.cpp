@@ -36,20 +36,16 @@ void enableBlockMode(Track* track, uint32_t samplesPerFrame) {
     const bool isBlocked = info->mInvalidSampleIdx >= 1 && align >= 1 && align == samplesPerFrame &&
                            firstSize >= 1 && firstSize % align == 0;
     if (!isBlocked) return;
-    uint32_t blocks = 0;
-    for (size_t i = 0; i < track->mTable.size(); ++i) {
-        const uint32_t size = track->mTable.chunkSize(i);
-        blocks = wrapAdd32(blocks, size / align + (size % align != 0 ? 1 : 0));
-        track->mTable.addBlockTotal(blocks);
-    }
+    SampleTable* table = &track->mTable;
+    if (!table->addBlockTotals(align)) return;
     info->mBlockMode = true;
     AVI_LOGW("%s(): Enable block mode align %d total %d", "generateMPEGCodecData",
-             static_cast<int>(align), static_cast<int>(blocks));
+             static_cast<int>(align), table->blocksThrough(table->size() - 1));
 }
 
 }  // namespace
 
-void generateMPEGCodecData(const FileReader& reader, Track* track) {
+void generateMPEGCodecData(FileReader& reader, Track* track) {
     TrackInfo* info = &track->info;
     MpegAudioStart start;
     const status_t err = MpegAudioSearch(reader, *track).findMP3Header(&start);

@@ -9,6 +9,6 @@ namespace android {
 // Finds the first reliable frame header of an MPEG-audio track, names the layer, notes the junk in
 // front, and settles whether the stream is counted in bytes, frames or blocks. A track without a
 // header, or whose samples cannot be read, becomes bad.
-void generateMPEGCodecData(const FileReader& reader, Track* track);
+void generateMPEGCodecData(FileReader& reader, Track* track);
 
 }  // namespace android

@@ -23,8 +23,7 @@ struct MpegAudioStart {
 class MpegAudioSearch {
   public:
     // Both must outlive the search.
-    MpegAudioSearch(const FileReader& reader, const Track& track)
-        : mReader(reader), mTrack(track) {}
+    MpegAudioSearch(FileReader& reader, const Track& track) : mReader(reader), mTrack(track) {}
 
     // Looks through the samples in order; ERROR_IO when one cannot be read before a header is
     // found.
@@ -36,7 +35,7 @@ class MpegAudioSearch {
     status_t readSuccessor(const Probe& probe, size_t position, uint32_t* out);
     bool readFollowing(size_t index, size_t count, uint8_t* out);
 
-    const FileReader& mReader;
+    FileReader& mReader;
     const Track& mTrack;
 
     // The first bytes of the sample after the one that is searched, read at the first need.

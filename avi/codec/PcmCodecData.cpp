@@ -23,7 +23,7 @@ constexpr size_t kMinProbedBytes = 32;
 
 }  // namespace
 
-void generatePCMCodecData(const FileReader& reader, Track* track) {
+void generatePCMCodecData(FileReader& reader, Track* track) {
     const bool isExtensible = track->info.mFormatTag == kWaveTagExtensible;
     AVI_LOGV("%s(): %s", "generatePCMCodecData",
              isExtensible ? "PCM extensible format. Need find the real format."

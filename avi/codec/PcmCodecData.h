@@ -8,6 +8,6 @@ namespace android {
 
 // Looks for AC-3 and DTS bit streams in a track declared as PCM, as recordings of a digital output
 // carry them, and names the type that is found.
-void generatePCMCodecData(const FileReader& reader, Track* track);
+void generatePCMCodecData(FileReader& reader, Track* track);
 
 }  // namespace android

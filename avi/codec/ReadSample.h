@@ -10,8 +10,7 @@
 namespace android {
 
 // Reads chunk i of a track whole; errors as FileReader::readBuffer(). REQUIRES: i < table size.
-inline status_t readSample(const FileReader& reader, const Track& track, size_t i,
-                           sp<ABuffer>* out) {
+inline status_t readSample(FileReader& reader, const Track& track, size_t i, sp<ABuffer>* out) {
     return reader.readBuffer(track.mTable.offset(i), track.mTable.chunkSize(i), out);
 }
 

@@ -24,7 +24,7 @@ bool hasAspectRatio(AMediaFormat* meta) {
 }
 
 // Key samples begin with parameter sets in either form more often than not; the others tell.
-void probeAvcFraming(const FileReader& reader, Track* track) {
+void probeAvcFraming(FileReader& reader, Track* track) {
     constexpr int32_t kMinProbedSize = 5;  // sizes of 2 GiB and more count as negative
     static constexpr uint8_t kStartCode[] = {0, 0, 0, 1};
     const SampleTable& table = track->mTable;
@@ -54,7 +54,7 @@ void checkSampleAspectRatio(Track* track) {
 
 }  // namespace
 
-void generateVideoCodecData(const FileReader& reader, Track* track) {
+void generateVideoCodecData(FileReader& reader, Track* track) {
     const char* mime = trackMime(*track);
     track->mBadTrack = track->mTable.size() == 0;
     if (track->mBadTrack || track->mIsSubtitle) return;

@@ -9,6 +9,6 @@ namespace android {
 // Codec configuration of a video track from its first samples: settles how AVC samples are framed,
 // gives the track an aspect ratio, and hands on to the codec's own builder. May make the track bad.
 // Called once a track, when ten samples of it are known.
-void generateVideoCodecData(const FileReader& reader, Track* track);
+void generateVideoCodecData(FileReader& reader, Track* track);
 
 }  // namespace android

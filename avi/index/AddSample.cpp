@@ -21,47 +21,56 @@ size_t maxSamples(int64_t fileSize) {
 }
 
 bool isTableFull(Track* track, int64_t fileSize) {
+    if (track->mTableFull) return true;
     if (track->mTable.size() < maxSamples(fileSize)) return false;
-    if (!track->mTableFull) {
-        AVI_LOGW(
-            "%s(): stream %u: the index lists more samples than the file can hold, drop the rest",
-            "addSample", track->info.mStreamIndex);
-        track->mTableFull = true;
-    }
+    AVI_LOGW("%s(): stream %u: the index lists more samples than the file can hold, drop the rest",
+             "addSample", track->info.mStreamIndex);
+    track->mTableFull = true;
     return true;
 }
 
-void addSyncFlag(const RuvoAVISample& sample, Track* track) {
-    const uint8_t isSyncSample = sample.isSyncSample;
-    AVI_CHECK(isSyncSample == 0 || isSyncSample == 1);
-    track->mTable.addSyncFlag(isSyncSample == 1);
-    // The largest key frame makes the best thumbnail: a black frame is small.
-    if (isSyncSample == 1 && sample.size > track->mMaxSyncSampleSize) {
-        track->mMaxSyncSampleSize = sample.size;
-        track->mThumbNailIndex = static_cast<uint32_t>(track->mTable.size() - 1);
-    }
+void noMemoryFor(Track* track) {
+    AVI_LOGW("%s(): stream %u: no memory for more samples, drop the rest", "addSample",
+             track->info.mStreamIndex);
+    track->mTableFull = true;
+}
+
+// The largest key frame makes the best thumbnail: a black frame is small.
+void noteKeySample(const RuvoAVISample& sample, Track* track) {
+    if (sample.isSyncSample != 1 || sample.size <= track->mMaxSyncSampleSize) return;
+    track->mMaxSyncSampleSize = sample.size;
+    track->mThumbNailIndex = static_cast<uint32_t>(track->mTable.size() - 1);
 }
 
 }  // namespace
 
-void addSample(const FileReader& reader, const RuvoAVISample& sample, Track* track) {
+void addSample(FileReader& reader, const RuvoAVISample& sample, Track* track) {
     SampleTable* table = &track->mTable;
     // An empty video chunk is a dropped frame and takes a frame's time, but nothing can be shown
     // before the first real one. Empty audio chunks take no time.
     if (sample.size == 0 && (!track->mIsVideo || table->isEmpty())) return;
     if (isTableFull(track, reader.size())) return;
 
-    table->add(sample, track->info.mSampleSize != 0 ? SampleTable::Sizes::kRunningTotals
-                                                    : SampleTable::Sizes::kOfChunks);
+    const uint8_t isSyncSample = sample.isSyncSample;
+    if (track->mIsVideo) AVI_CHECK(isSyncSample == 0 || isSyncSample == 1);
+    const auto sizes = track->info.mSampleSize != 0 ? SampleTable::Sizes::kRunningTotals
+                                                    : SampleTable::Sizes::kOfChunks;
+    if (!table->add(sample, sizes, track->mIsVideo)) {
+        noMemoryFor(track);
+        return;
+    }
     track->mMaxSampleSize = std::max(track->mMaxSampleSize, sample.size);
     track->mTotalSampleSize += sample.size;
     track->mTotalSyncSamples += sample.isSyncSample;
     if (!track->mIsVideo) return;
-    addSyncFlag(sample, track);
-    if (table->size() == kSamplesBeforeCodecData) generateVideoCodecData(reader, track);
+    noteKeySample(sample, track);
+    // Once: a file may fill and empty a table again and again.
+    if (table->size() < kSamplesBeforeCodecData || track->mIsConfigured) return;
+    track->mIsConfigured = true;
+    generateVideoCodecData(reader, track);
 }
 
-void addSampleById(const FileReader& reader, const TrackList& tracks, uint32_t streamNumber,
+void addSampleById(FileReader& reader, const TrackList& tracks, uint32_t streamNumber,
                    const RuvoAVISample& sample) {
     Track* track = tracks.byStream(streamNumber);
     if (track == nullptr) return;
@@ -75,6 +84,7 @@ void addSampleById(const FileReader& reader, const TrackList& tracks, uint32_t s
 
 void clearSamples(Track* track) {
     track->mTable.clear();
+    track->mTableFull = false;
     track->mMaxSampleSize = 0;
     track->mMaxSyncSampleSize = 0;
     track->mTotalSampleSize = 0;

@@ -11,11 +11,11 @@ namespace android {
 // Adds a sample to the track's table, with its sums and largest sizes. Empty samples that take no
 // time are left out, and what exceeds the samples that the file can hold, with one warning. The
 // tenth sample of a video track has its codec configured.
-void addSample(const FileReader& reader, const RuvoAVISample& sample, Track* track);
+void addSample(FileReader& reader, const RuvoAVISample& sample, Track* track);
 
 // The same for the track of a stream number. A sample beyond the end of the file is logged and
 // dropped; one without a track is dropped.
-void addSampleById(const FileReader& reader, const TrackList& tracks, uint32_t streamNumber,
+void addSampleById(FileReader& reader, const TrackList& tracks, uint32_t streamNumber,
                    const RuvoAVISample& sample);
 
 // Empties the track's table, for another index to fill it.

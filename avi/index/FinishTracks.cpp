@@ -23,7 +23,7 @@ void makeUnknown(Track* track) {
 }
 
 // True when the track can be played. `videoDurationUs` as for updateSamples().
-bool finishTrack(const FileReader& reader, Track* track, int64_t* videoDurationUs) {
+bool finishTrack(FileReader& reader, Track* track, int64_t* videoDurationUs) {
     const std::string mime = trackMime(*track);  // the one it has now: configuration may change it
     AVI_LOGV("======================================");
     const int samples = static_cast<int>(track->mTable.size());
@@ -50,7 +50,7 @@ bool finishTrack(const FileReader& reader, Track* track, int64_t* videoDurationU
 
 }  // namespace
 
-status_t finishParse(const FileReader& reader, const TrackList& tracks) {
+status_t finishParse(FileReader& reader, const TrackList& tracks) {
     bool anyPlayable = false;
     int64_t videoDurationUs = 0;
     for (const auto& track : tracks) {

@@ -55,7 +55,7 @@ RuvoAVISample sampleOf(const Idx1Entry& entry, uint32_t base) {
 
 }  // namespace
 
-status_t parseIDX1(const FileReader& reader, const TrackList& tracks, int64_t start, int64_t end,
+status_t parseIDX1(FileReader& reader, const TrackList& tracks, int64_t start, int64_t end,
                    uint32_t moviStart) {
     const int64_t entries = (end - start) / kIdx1EntrySize;
     AVI_LOGD("%s(): numPerRead %d, numbers %d @%lld", "parseIDX1",

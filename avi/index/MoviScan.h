@@ -22,8 +22,7 @@ struct MoviRange {
 class MoviScan {
   public:
     // Both must outlive the scan.
-    MoviScan(const FileReader& reader, const TrackList& tracks)
-        : mReader(reader), mTracks(tracks) {}
+    MoviScan(FileReader& reader, const TrackList& tracks) : mReader(reader), mTracks(tracks) {}
 
     // Adds the list's data chunks to their tracks, up to the first chunk that is cut. Tracks whose
     // table came from an OpenDML index are passed over: theirs is complete.
@@ -35,7 +34,7 @@ class MoviScan {
     bool reachesUnknownLimit();
     status_t parseDataChunk(uint32_t offset, FourCC id, uint32_t size);
 
-    const FileReader& mReader;
+    FileReader& mReader;
     const TrackList& mTracks;
     uint32_t mUnknownChunks = 0;
     uint32_t mEmptyHeaders = 0;  // in a row

@@ -24,6 +24,14 @@ constexpr uint32_t kStandardEntriesPerRead = 512;
 constexpr uint8_t kSuperIndex = 0;
 constexpr uint8_t kStandardIndex = 1;
 
+// How many times the entries that the file can hold all indexes together may list: one stream that
+// lists too much leaves as much to the others.
+constexpr int64_t kFileShare = 2;
+
+// What a standard index with one chunk takes in an honest file: its entry in the super index, two
+// chunk headers, its own header and entry.
+constexpr int64_t kMinStandardIndexSize = 64;
+
 constexpr uint32_t kNotKeyFrame = 0x80000000;  // in the size of a standard entry
 
 // u64 offset of a standard index chunk | u32 its size | u32 duration
@@ -89,8 +97,10 @@ void logChunkIndexEnd(const Track& track, const RuvoAVIIndexChunk& header, uint3
 
 }  // namespace
 
-OpenDmlIndex::OpenDmlIndex(const FileReader& reader)
-    : mReader(reader), mEntriesLeft(reader.size() / kChunkHeaderSize) {}
+OpenDmlIndex::OpenDmlIndex(FileReader& reader)
+    : mReader(reader),
+      mIndexesLeft(reader.size() / kMinStandardIndexSize),
+      mFileEntriesLeft(kFileShare * (reader.size() / kChunkHeaderSize)) {}
 
 bool OpenDmlIndex::readIndexHeader(int64_t start, RuvoAVIIndexChunk* out) const {
     uint8_t bytes[kIndexHeaderSize];
@@ -114,6 +124,7 @@ status_t OpenDmlIndex::parseINDX(int64_t start, int64_t end, Track* track) {
     if (!readIndexHeader(start, &header)) return fail("parseINDX", status_t{ERROR_IO}, __LINE__);
     AVI_LOGV("==== parseINDX(pos: %llX, end: %llX) ====", ull(start), ull(end));
     logIndexHeader(header);
+    mTrackEntriesLeft = mReader.size() / kChunkHeaderSize;
     if (header.indexType == kStandardIndex) {
         AVI_LOGD("start parseChunkIndex() @pos %lld, end %lld...", ll(start), ll(end));
         return parseChunkIndex(start, end, &header, track);
@@ -128,13 +139,16 @@ status_t OpenDmlIndex::parseINDX(int64_t start, int64_t end, Track* track) {
         return fail("parseINDX", status_t{ERROR_MALFORMED}, __LINE__);
     }
     if (static_cast<int32_t>(header.entriesInUse) <= 0) return OK;
-    return parseSuperIndex(start, header, track);
+    const status_t err = parseSuperIndex(start, header, track);
+    const bool gotNothing = track->mTable.isEmpty() && !hasEntriesLeft();
+    return err == OK && gotNothing ? fail("parseINDX", status_t{ERROR_MALFORMED}, __LINE__) : err;
 }
 
 status_t OpenDmlIndex::parseSuperIndex(int64_t start, const RuvoAVIIndexChunk& header,
                                        Track* track) {
     const uint64_t base = baseOffset(header);
     for (uint32_t i = 0; i < header.entriesInUse && hasEntriesLeft(); ++i) {
+        --mIndexesLeft;
         uint8_t bytes[kSuperEntrySize];
         if (!mReader.readExactly(start + kIndexHeaderSize + kSuperEntrySize * i, bytes,
                                  sizeof(bytes))) {
@@ -156,7 +170,7 @@ status_t OpenDmlIndex::parseSuperIndex(int64_t start, const RuvoAVIIndexChunk& h
     return OK;
 }
 
-// A standard index chunk of `size` bytes that a super index points at. One that lies behind the end
+// A standard index chunk of `size` bytes that a super index points at. One that lies beyond the end
 // of a cut file is skipped.
 status_t OpenDmlIndex::parseStandardIndexAt(uint64_t position, uint32_t size, Track* track) {
     const auto fileSize = static_cast<uint64_t>(mReader.size());
@@ -205,8 +219,7 @@ status_t OpenDmlIndex::addStandardEntries(int64_t entries, const RuvoAVIIndexChu
             AVI_LOGE("%s(): Failed to read chunk entry at %lld", "parseChunkIndex", ll(entries));
             return ERROR_IO;
         }
-        const auto taken = static_cast<uint32_t>(std::min<int64_t>(count, mEntriesLeft));
-        mEntriesLeft -= taken;
+        const auto taken = static_cast<uint32_t>(takeEntries(count));
         ByteReader in(bytes, taken * entrySize);
         uint32_t offset = 0;
         uint32_t sizeAndFlag = 0;
@@ -222,13 +235,21 @@ status_t OpenDmlIndex::addStandardEntries(int64_t entries, const RuvoAVIIndexChu
 // Every entry takes eight bytes of its own in an honest file. Indexes that claim more entries than
 // the file can hold, because they point at one another, are not followed further.
 bool OpenDmlIndex::hasEntriesLeft() {
-    if (mEntriesLeft > 0) return true;
+    if (mFileEntriesLeft > 0 && mTrackEntriesLeft > 0 && mIndexesLeft >= 0) return true;
     if (!mLimitWarned) {
         AVI_LOGW("%s(): the indexes list more samples than the file can hold, drop the rest",
                  "parseChunkIndex");
         mLimitWarned = true;
     }
     return false;
+}
+
+// Takes up to so many entries off what is left; returns how many.
+int64_t OpenDmlIndex::takeEntries(int64_t wanted) {
+    const int64_t taken = std::min({wanted, mFileEntriesLeft, mTrackEntriesLeft});
+    mFileEntriesLeft -= taken;
+    mTrackEntriesLeft -= taken;
+    return taken;
 }
 
 }  // namespace android

@@ -2,7 +2,8 @@
 //
 // The indexes of OpenDML files (AVI 2.0): a super index in the stream list points at standard
 // indexes spread through the file, each of which lists chunks of one stream with a 64-bit base.
-// Invariant: never more entries are taken than an honest file can have.
+// Invariant: of a stream never more entries are taken than the file can hold chunks, nor of all
+// together more than a few times as many; what is read is in proportion to that.
 #pragma once
 
 #include <stdint.h>
@@ -30,7 +31,7 @@ struct RuvoAVIIndexChunk {
 class OpenDmlIndex {
   public:
     // `reader` must outlive this object.
-    explicit OpenDmlIndex(const FileReader& reader);
+    explicit OpenDmlIndex(FileReader& reader);
 
     // Adds what the `indx` chunk with this payload lists to the track's table. ERROR_IO,
     // ERROR_MALFORMED or ERROR_UNSUPPORTED for an index that cannot be used, with the samples that
@@ -47,9 +48,12 @@ class OpenDmlIndex {
     status_t addStandardEntries(int64_t entries, const RuvoAVIIndexChunk& header, Track* track,
                                 uint32_t* added);
     bool hasEntriesLeft();
+    int64_t takeEntries(int64_t wanted);
 
-    const FileReader& mReader;
-    int64_t mEntriesLeft;  // that an honest file may still have
+    FileReader& mReader;
+    int64_t mIndexesLeft;           // standard indexes that super indexes may still name
+    int64_t mFileEntriesLeft;       // entries that all indexes together may still list
+    int64_t mTrackEntriesLeft = 0;  // and those of the stream that is being read
     bool mLimitWarned = false;
 };
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "index/SegmentIndex.h"
 
+#include <algorithm>
+
 #include "index/AddSample.h"
 #include "index/LegacyIndex.h"
 #include "support/Log.h"
@@ -39,6 +41,7 @@ status_t SegmentIndex::readFirstIdx1(int64_t start, int64_t end) {
     }
     for (const auto& track : mTracks) {
         clearSamples(track.get());
+        track->mIsConfigured = false;  // what configured it may have been a wrong index
     }
     mIdx1Found = true;
     if (isCut(end, mReader.size())) return OK;
@@ -47,12 +50,14 @@ status_t SegmentIndex::readFirstIdx1(int64_t start, int64_t end) {
     return err;
 }
 
-bool SegmentIndex::allTracksIndexed() const {
-    for (const auto& track : mTracks) {
+bool SegmentIndex::allTracksIndexed() {
+    if (mAskedAt == mTracks.changes()) return mAllIndexed;
+    mAskedAt = mTracks.changes();
+    mAllIndexed = std::all_of(mTracks.begin(), mTracks.end(), [](const auto& track) {
         const bool hasSamples = track->mIsVideo || track->mIsAudio || track->mIsSubtitle;
-        if (hasSamples && !track->mINDXValid) return false;
-    }
-    return true;
+        return !hasSamples || track->mINDXValid;
+    });
+    return mAllIndexed;
 }
 
 void SegmentIndex::completeFirst() {

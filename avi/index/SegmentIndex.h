@@ -17,8 +17,7 @@ namespace android {
 class SegmentIndex {
   public:
     // Both must outlive this object.
-    SegmentIndex(const FileReader& reader, const TrackList& tracks)
-        : mReader(reader), mTracks(tracks) {}
+    SegmentIndex(FileReader& reader, const TrackList& tracks) : mReader(reader), mTracks(tracks) {}
 
     // Notes where the contents of the segment's movi list lie. They are not walked: an index knows
     // what lies in them.
@@ -42,11 +41,14 @@ class SegmentIndex {
     bool videoFullyIndexed() const;
 
   private:
-    bool allTracksIndexed() const;
+    bool allTracksIndexed();
 
-    const FileReader& mReader;
+    FileReader& mReader;
     const TrackList& mTracks;
     MoviRange mMovi;
+    // The answer of allTracksIndexed() for the tracks as they were then: a file may ask very often.
+    uint32_t mAskedAt = 0;
+    bool mAllIndexed = true;
     bool mIdx1Found = false;  // an idx1 of the first segment was read, or found to be cut
     bool mHasIndex = false;   // the tables of the first segment are complete
 };

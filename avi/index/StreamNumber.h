@@ -15,4 +15,7 @@ constexpr uint32_t streamNumber(FourCC chunkId) {
     return wrapSub32(10u * charAt(chunkId, 0) + charAt(chunkId, 1), kAsciiZeros);
 }
 
+// How many streams chunk ids can name: any two bytes count as digits.
+constexpr uint32_t kStreamNumbers = streamNumber(makeFourCC(0xFF, 0xFF, 0, 0)) + 1;
+
 }  // namespace android

@@ -3,6 +3,8 @@
 
 #include <media/stagefright/MediaErrors.h>
 
+#include <utility>
+
 #include "support/ByteReader.h"
 #include "support/Log.h"
 
@@ -104,10 +106,18 @@ status_t HeaderList::parseChunk(const ChunkWalker& chunk, Found* found) {
         case fourcc("LIST"):
             return parseList(chunk, found);
         default:
+            if (isEmptyAgain(header, found)) return OK;
             AVI_LOGW("parseHDRL(): unknown chunk 0x%08x:%c%c%c%c in %s", FOURCC_ARGS(header.id),
                      "parseHDRL");
             return OK;
     }
+}
+
+// True for the second and further ones of a run of empty headers: writers fill reserved room with
+// zeros, and one line for all of it is enough.
+bool HeaderList::isEmptyAgain(const ChunkHeader& header, Found* found) {
+    const bool isEmpty = toWord(header.id) == 0 && header.size == 0;
+    return std::exchange(found->emptyHeader, isEmpty) && isEmpty;
 }
 
 status_t HeaderList::parseList(const ChunkWalker& chunk, Found* found) {

@@ -16,7 +16,7 @@ namespace android {
 class HeaderList {
   public:
     // Parses into `file`; both must outlive this object.
-    HeaderList(const FileReader& reader, AviFile* file) : mReader(reader), mStreams(reader, file) {}
+    HeaderList(FileReader& reader, AviFile* file) : mReader(reader), mStreams(reader, file) {}
 
     // Parses the list whose contents lie between these offsets. ERROR_IO, or ERROR_MALFORMED for a
     // list that ends elsewhere than it says or lacks what every file has.
@@ -26,12 +26,14 @@ class HeaderList {
     struct Found {
         bool avih = false;
         uint32_t streamLists = 0;
+        bool emptyHeader = false;  // the last unknown chunk was one
     };
+    static bool isEmptyAgain(const ChunkHeader& header, Found* found);
     status_t parseChunk(const ChunkWalker& chunk, Found* found);
     status_t parseList(const ChunkWalker& chunk, Found* found);
     status_t parseAVIH(int64_t start, int64_t end);
 
-    const FileReader& mReader;
+    FileReader& mReader;
     StreamList mStreams;
     FrameSize mFrameSize;
     uint32_t mNumStreams = 0;  // that the main header announces

@@ -37,7 +37,7 @@ const char* keyOf(FourCC id) {
 
 // The byte after the text is read too and replaced by a terminator; a tag at the very end of the
 // file, which has none, is dropped.
-void publishTag(const FileReader& reader, const char* key, int64_t offset, uint32_t padded,
+void publishTag(FileReader& reader, const char* key, int64_t offset, uint32_t padded,
                 AMediaFormat* fileMeta) {
     sp<ABuffer> text;
     if (reader.readBuffer(offset, size_t{padded} + 1, &text) != OK) return;
@@ -49,7 +49,7 @@ void publishTag(const FileReader& reader, const char* key, int64_t offset, uint3
 
 }  // namespace
 
-void parseINFO(const FileReader& reader, int64_t start, int64_t end, AMediaFormat* fileMeta) {
+void parseINFO(FileReader& reader, int64_t start, int64_t end, AMediaFormat* fileMeta) {
     ChunkWalker chunk(reader, start);
     while (chunk.next() < end && chunk.advanceTag()) {
         const FourCC id = chunk.header().id;

@@ -9,6 +9,6 @@
 namespace android {
 
 // Reads the text tags of an INFO list into the file's format. Damage ends the list.
-void parseINFO(const FileReader& reader, int64_t start, int64_t end, AMediaFormat* fileMeta);
+void parseINFO(FileReader& reader, int64_t start, int64_t end, AMediaFormat* fileMeta);
 
 }  // namespace android

@@ -44,7 +44,7 @@ bool stopsAtUnknownChunk(const char* function, const ChunkHeader& header, bool h
 
 }  // namespace
 
-RiffSegments::RiffSegments(const FileReader& reader, AviFile* file)
+RiffSegments::RiffSegments(FileReader& reader, AviFile* file)
     : mReader(reader), mFile(file), mHeaders(reader, file), mIndex(reader, file->tracks) {}
 
 // Chunks at the top level are not padded: a segment of odd size is followed at once.

@@ -21,7 +21,7 @@ namespace android {
 class RiffSegments {
   public:
     // Parses into `file`; both must outlive this object.
-    RiffSegments(const FileReader& reader, AviFile* file);
+    RiffSegments(FileReader& reader, AviFile* file);
 
     // Finds the RIFF chunks at the top level of the file. ERROR_IO when a header cannot be read.
     status_t list();
@@ -58,7 +58,7 @@ class RiffSegments {
     status_t parseList(const ChunkWalker& chunk, Walk* walk);
     int64_t walkEnd(const Walk& walk, const ChunkHeader& riff) const;
 
-    const FileReader& mReader;
+    FileReader& mReader;
     AviFile* mFile;
     std::vector<Segment> mRiffList;
     HeaderList mHeaders;

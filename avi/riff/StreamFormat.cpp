@@ -36,7 +36,7 @@ void logAudioSpecificConfig(const uint8_t* data) {
 
 // The extra data of a wave format, whose size stands in front of it; nothing when that size is
 // impossible. `ok` is false when the size cannot be read.
-std::optional<ExtraData> audioExtraData(const FileReader& reader, const StreamFormat& format,
+std::optional<ExtraData> audioExtraData(FileReader& reader, const StreamFormat& format,
                                         Track* track, bool* ok) {
     const size_t rest = format.size - kWaveFormatSize;
     uint8_t bytes[kExtraSizeField];
@@ -52,7 +52,7 @@ std::optional<ExtraData> audioExtraData(const FileReader& reader, const StreamFo
 }
 
 // Keeps the codec-private bytes in the track.
-status_t keepExtraData(const FileReader& reader, const StreamFormat& format, const ExtraData& extra,
+status_t keepExtraData(FileReader& reader, const StreamFormat& format, const ExtraData& extra,
                        Track* track) {
     sp<ABuffer> data;
     const int64_t offset = format.offset + static_cast<int64_t>(extra.offset);
@@ -66,7 +66,7 @@ status_t keepExtraData(const FileReader& reader, const StreamFormat& format, con
 }
 
 // What is too short or contradicts itself is skipped.
-status_t readExtraData(const FileReader& reader, const StreamFormat& format, size_t headerSize,
+status_t readExtraData(FileReader& reader, const StreamFormat& format, size_t headerSize,
                        Track* track) {
     const size_t rest = format.size - headerSize;
     if (rest == 0) return OK;
@@ -84,8 +84,7 @@ status_t readExtraData(const FileReader& reader, const StreamFormat& format, siz
 
 }  // namespace
 
-status_t parseSTRF(const FileReader& reader, int64_t start, int64_t end, AviFile* file,
-                   Track* track) {
+status_t parseSTRF(FileReader& reader, int64_t start, int64_t end, AviFile* file, Track* track) {
     AMediaFormat_setString(track->meta.get(), AMEDIAFORMAT_KEY_MIME, kMimeUndecided);
 
     StreamFormat format;

@@ -24,7 +24,6 @@ struct StreamFormat {
 
 // Reads a stream format into the track, whose header told its kind. ERROR_MALFORMED, ERROR_IO or
 // NO_MEMORY for a format that cannot be had; a codec that is not known is no error.
-status_t parseSTRF(const FileReader& reader, int64_t start, int64_t end, AviFile* file,
-                   Track* track);
+status_t parseSTRF(FileReader& reader, int64_t start, int64_t end, AviFile* file, Track* track);
 
 }  // namespace android

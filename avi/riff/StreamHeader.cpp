@@ -90,7 +90,7 @@ void publishFrameRate(const StreamHeader& h, AMediaFormat* fileMeta, Track* trac
 
 }  // namespace
 
-status_t parseSTRH(const FileReader& reader, int64_t start, int64_t end, const FrameSize& frameSize,
+status_t parseSTRH(FileReader& reader, int64_t start, int64_t end, const FrameSize& frameSize,
                    AMediaFormat* fileMeta, Track* track) {
     uint8_t bytes[kStreamHeaderSize];
     if (end - start < static_cast<int64_t>(sizeof(bytes))) {

@@ -19,7 +19,7 @@ struct FrameSize {
 // Reads a stream header: the kind of the stream, its time base and its length. A video track gets
 // its frame rate and display size, and `fileMeta` its duration. ERROR_MALFORMED for a chunk that is
 // too short, ERROR_IO.
-status_t parseSTRH(const FileReader& reader, int64_t start, int64_t end, const FrameSize& frameSize,
+status_t parseSTRH(FileReader& reader, int64_t start, int64_t end, const FrameSize& frameSize,
                    AMediaFormat* fileMeta, Track* track);
 
 }  // namespace android

@@ -4,6 +4,7 @@
 #include <media/stagefright/MediaErrors.h>
 
 #include "index/AddSample.h"
+#include "index/StreamNumber.h"
 #include "riff/StreamFormat.h"
 #include "riff/StreamName.h"
 #include "riff/VideoProperties.h"
@@ -50,6 +51,10 @@ bool skipDriverData(bool strhSeen, bool* strdSeen) {
 
 status_t StreamList::parseSTRL(int64_t start, int64_t end, uint32_t streamIndex,
                                const FrameSize& frameSize) {
+    if (streamIndex >= kStreamNumbers || mFile->tracks.size() >= kStreamNumbers) {
+        AVI_LOGW("%s(): no chunk can name stream %u, skip it!", "parseSTRL", streamIndex);
+        return OK;
+    }
     AVI_LOGW("parseSTRL(): new track.");
     Track* track = mFile->tracks.add(streamIndex);
     if (start >= end) {

@@ -18,7 +18,7 @@ namespace android {
 class StreamList {
   public:
     // Parses into `file`; both must outlive this object.
-    StreamList(const FileReader& reader, AviFile* file)
+    StreamList(FileReader& reader, AviFile* file)
         : mReader(reader), mFile(file), mOpenDml(reader) {}
 
     // Parses the list of stream `streamIndex` whose contents lie between these offsets. ERROR_IO,
@@ -43,7 +43,7 @@ class StreamList {
     bool parseProperties(const ChunkWalker& chunk, Track* track, const Seen& seen);
     void parseIndex(const ChunkWalker& chunk, Track* track);
 
-    const FileReader& mReader;
+    FileReader& mReader;
     AviFile* mFile;
     OpenDmlIndex mOpenDml;
 };

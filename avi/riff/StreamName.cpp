@@ -32,7 +32,7 @@ const char* languageFromName(std::string_view name) {
 
 }  // namespace
 
-void parseSTRN(const FileReader& reader, int64_t start, int64_t end, Track* track) {
+void parseSTRN(FileReader& reader, int64_t start, int64_t end, Track* track) {
     const char* language = "und";
     const int64_t size = end - start;
     sp<ABuffer> name;

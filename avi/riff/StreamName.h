@@ -9,6 +9,6 @@
 namespace android {
 
 // Reads a stream name and publishes the language that it hints at (ISO 639-2), "und" for none.
-void parseSTRN(const FileReader& reader, int64_t start, int64_t end, Track* track);
+void parseSTRN(FileReader& reader, int64_t start, int64_t end, Track* track);
 
 }  // namespace android

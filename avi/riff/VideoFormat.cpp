@@ -107,7 +107,7 @@ void publishWindowsMediaHeader(Track* track) {
     AMediaFormat_setBuffer(track->meta.get(), AMEDIAFORMAT_KEY_CSD_0, extra->data(), extra->size());
 }
 
-void readAvcRecord(const FileReader& reader, const StreamFormat& format, Track* track) {
+void readAvcRecord(FileReader& reader, const StreamFormat& format, Track* track) {
     const size_t extraSize = format.size - kBitmapInfoSize;
     sp<ABuffer> extra;
     if (extraSize == 0 || reader.readBuffer(format.offset + static_cast<int64_t>(kBitmapInfoSize),
@@ -124,7 +124,7 @@ bool isSubtitleFormat(const StreamFormat& format) {
     return compression == fourcc("DXSB") || compression == fourcc("DXSA");
 }
 
-void applyBitmapInfo(const FileReader& reader, const StreamFormat& format, AMediaFormat* fileMeta,
+void applyBitmapInfo(FileReader& reader, const StreamFormat& format, AMediaFormat* fileMeta,
                      Track* track) {
     AMediaFormat* meta = track->meta.get();
     const BitmapInfo b = readBitmapInfo(format);

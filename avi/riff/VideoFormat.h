@@ -13,7 +13,7 @@ bool isSubtitleFormat(const StreamFormat& format);
 
 // Identifies the codec of a video or subtitle stream by its bitmap header, fills the track's format
 // and publishes configuration that stands after the header.
-void applyBitmapInfo(const FileReader& reader, const StreamFormat& format, AMediaFormat* fileMeta,
+void applyBitmapInfo(FileReader& reader, const StreamFormat& format, AMediaFormat* fileMeta,
                      Track* track);
 
 }  // namespace android

@@ -70,7 +70,7 @@ void publishAspectRatio(uint16_t width, uint16_t height, AMediaFormat* meta) {
 
 }  // namespace
 
-void parseVPRP(const FileReader& reader, int64_t start, int64_t end, Track* track) {
+void parseVPRP(FileReader& reader, int64_t start, int64_t end, Track* track) {
     const int64_t size = end - start;
     AVI_LOGV("==== parseVPRP(pos: %lld, end: %lld, size: %zd) ====", ll(start), ll(end),
              static_cast<ssize_t>(size));

@@ -10,6 +10,6 @@ namespace android {
 
 // Reads the video properties header of OpenDML files and publishes its aspect ratio. A chunk that
 // is damaged publishes nothing.
-void parseVPRP(const FileReader& reader, int64_t start, int64_t end, Track* track);
+void parseVPRP(FileReader& reader, int64_t start, int64_t end, Track* track);
 
 }  // namespace android

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/HexDump.h"
 
+#include <algorithm>
 #include <new>
 
 #include "support/Log.h"
@@ -53,7 +54,8 @@ HexLine::HexLine(const uint8_t* data, size_t size, size_t head, size_t tail) {
 
 void hexDump(const uint8_t* data, size_t size) {
     if (!extractLogEnabled()) return;
-    const std::unique_ptr<char[]> text = hexText(data, size, HexCase::kLower);
+    const size_t shown = std::min(size, kMaxLoggedBytes);
+    const std::unique_ptr<char[]> text = hexText(data, shown, HexCase::kLower);
     if (text != nullptr) AVI_LOGV("%s", text.get());
 }
 

@@ -8,6 +8,9 @@
 
 namespace android {
 
+// The log cuts lines at 1023 characters: more bytes than these are not seen.
+constexpr size_t kMaxLoggedBytes = 1024 / 3 + 1;
+
 enum class HexCase { kLower, kUpper };
 
 // Bytes as two hexadecimal digits and a blank each, with a line feed after every 16th; null without
@@ -34,7 +37,7 @@ class HexLine {
 };
 
 // Logs bytes as lower-case hexText() at verbose priority while the extract-log switch is on.
-// Nothing is printed when the text cannot be allocated.
+// As many bytes as the line shows; nothing when the text cannot be allocated.
 void hexDump(const uint8_t* data, size_t size);
 
 }  // namespace android

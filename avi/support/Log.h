@@ -7,6 +7,7 @@
 #include <inttypes.h>
 #include <log/log.h>
 
+#include "support/LogLimit.h"
 #include "support/Switches.h"
 
 namespace android {
@@ -26,8 +27,14 @@ constexpr unsigned long long ull(uint64_t value) {
 
 #define AVI_LOG(priority, ...) __android_log_print(priority, ::android::kLogTag, __VA_ARGS__)
 
-#define AVI_LOGE(...) AVI_LOG(ANDROID_LOG_ERROR, __VA_ARGS__)
-#define AVI_LOGW(...) AVI_LOG(ANDROID_LOG_WARN, __VA_ARGS__)
+// Printed unless the file has caused too many lines with this format.
+#define AVI_FORMAT_OF(format, ...) format
+#define AVI_LOG_LIMITED(priority, ...)                                             \
+    static_cast<void>(::android::LogLimit::allows(AVI_FORMAT_OF(__VA_ARGS__, )) && \
+                      AVI_LOG(priority, __VA_ARGS__))
+
+#define AVI_LOGE(...) AVI_LOG_LIMITED(ANDROID_LOG_ERROR, __VA_ARGS__)
+#define AVI_LOGW(...) AVI_LOG_LIMITED(ANDROID_LOG_WARN, __VA_ARGS__)
 #define AVI_LOGD(...) AVI_LOG(ANDROID_LOG_DEBUG, __VA_ARGS__)
 
 // Printed while the extract-log switch is on.

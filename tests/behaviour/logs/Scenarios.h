@@ -40,6 +40,7 @@ Play unreadableMainHeader();
 
 // StreamScenarios.cpp
 Play emptyStreamList();
+Play moreStreamsThanIdsCanName();
 Play streamListWithoutFormat();
 Play unreadableStreamList();
 Play formatBeforeHeader();

@@ -31,6 +31,15 @@ Play withUnreadableChunk(ChunkId id, uint64_t begin) {
 
 }  // namespace
 
+Play moreStreamsThanIdsCanName() {
+    constexpr size_t kNames = 2278;
+    AviFile avi;
+    for (size_t i = 0; i <= kNames; ++i)
+        avi.addStream(videoStream("MJPG", 2, 2, 25));
+    avi.addChunk(0, patternBytes(8), kKey);
+    return {avi.build()};
+}
+
 Play emptyStreamList() {
     return withStreamList([](Chunk& strl) { strl.children.clear(); });
 }

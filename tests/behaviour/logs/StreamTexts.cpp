@@ -11,6 +11,11 @@ namespace avitest {
 namespace {
 
 constexpr LogText kRows[] = {
+    {"%s(): no chunk can name stream %u, skip it!", kWarning, Gate::kAlways,
+     moreStreamsThanIdsCanName, "parseSTRL(): no chunk can name stream 2278, skip it!", plainFile},
+    {"%u more lines like \"%s\" are not printed", kWarning, Gate::kAlways,
+     moreStreamsThanIdsCanName, "2178 more lines like \"parseSTRL(): new track.\" are not printed",
+     plainFile},
     {"%s(): strl of stream %d seems to be corrupted: end at %lld, expected end at %lld, strh %s, "
      "strf %s",
      kError, Gate::kAlways, emptyStreamList,

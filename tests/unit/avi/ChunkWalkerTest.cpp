@@ -29,7 +29,7 @@ class Content {
           mFaulty(mMemory),
           mPlain(mFaulty),
           mReader(new DataSourceHelper(mPlain.get())) {}
-    const FileReader& reader() const { return mReader; }
+    FileReader& reader() { return mReader; }
     FaultySource& source() { return mFaulty; }
 
   private:

@@ -14,8 +14,7 @@ namespace {
 SampleTable tableOf(const std::vector<bool>& flags) {
     SampleTable table;
     for (const bool flag : flags) {
-        table.add({0, 1, 0}, SampleTable::Sizes::kOfChunks);
-        table.addSyncFlag(flag);
+        table.add({0, 1, flag ? uint8_t{1} : uint8_t{0}}, SampleTable::Sizes::kOfChunks, true);
     }
     return table;
 }
@@ -72,7 +71,7 @@ TEST(SampleTableSyncs, CorrectedFlagsCount) {
 TEST(SampleTableSyncs, TableWithoutFlagsHasNone) {
     SampleTable table;
     for (int i = 0; i < 20; ++i)
-        table.add({0, 1, 0}, SampleTable::Sizes::kOfChunks);
+        table.add({0, 1, 0}, SampleTable::Sizes::kOfChunks, false);
     expectWalksAgree(table);
     EXPECT_EQ(table.previousSync(19), 20u);
 }
