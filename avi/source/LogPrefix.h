@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <stddef.h>
+
 #include "source/Chunk.h"
 #include "source/SourceTrack.h"
 
@@ -19,7 +21,8 @@ class LogPrefix {
     const char* text() const { return mText; }
 
   private:
-    void append(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    void append(const char* text);
+    void append(size_t number);
 
     // MIME types are names of our own tables, at most some 30 characters long.
     char mText[128] = {};
