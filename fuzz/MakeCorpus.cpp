@@ -192,6 +192,54 @@ AviFile subtitlesAndAdts() {
     return avi;
 }
 
+// --- What mended bugs left.
+
+// One chunk at the end of the range of offsets.
+AviFile offsetBeyondAllFiles() {
+    AviFile avi;
+    avi.addStream(jpegStream());
+    avi.segment().index.copies = 0;
+    avi.addChunk(0, sampleOf(kJpeg[0], 40, 0));
+    avi.stream(0).edit = [](Chunk& strl) {
+        StandardIndex index;
+        index.header.baseOffset = 0x7FFFFFFFFFFFFFFF;
+        index.entries = {{0, 44}};
+        strl.add(Chunk("indx", index.toBytes()));
+    };
+    return avi;
+}
+
+// Frames whose length prefixes look like the start codes of B-frames.
+AviFile rowOfSeemingBFrames() {
+    AviFile avi = avcPrefixes();
+    const Bytes frame = ByteWriter().bytes(Bytes{0, 0, 1, 0x41, 0xA0}).fill(320, 0xFF).take();
+    for (uint32_t i = 0; i < 2 * kFrames; ++i)
+        avi.addChunk(0, frame, i % 4 == 0 ? kKey : kNoFlags);
+    return avi;
+}
+
+// Junk of a block, by which the stream counts in blocks, frames, and blocks without a header.
+AviFile blocksWithoutHeader() {
+    constexpr size_t kBlock = 1152;
+    AviFile avi;
+    Stream audio = frameAudioStream(kTagMp3, 1, 48000, 1152, 4000);
+    std::get<WaveFormat>(audio.format).blockAlign = kBlock;
+    avi.addStream(audio);
+    avi.addChunk(0, Bytes(kBlock, 0x11));
+    for (uint32_t i = 0; i < kFrames; ++i)
+        avi.addChunk(0, sampleOf(kMp3Header, 92, i));
+    avi.addChunk(0, Bytes(4 * kBlock + 100, 0x22));
+    avi.addChunk(0, sampleOf(kMp3Header, 92, 0));
+    return avi;
+}
+
+AviFile subtitleBeforeZero() {
+    AviFile avi = clip(jpegStream(), kJpeg, pcmStream(1, 8000, 16), {});
+    const size_t subtitles = avi.addStream(videoStream("DXSB", 32, 16, 25));
+    avi.addChunk(subtitles, sampleOf(bytesOf("[ -: -: -. --00:00:00.200]"), 30, 1));
+    return avi;
+}
+
 std::vector<Seed> seeds() {
     return {{"idx1_mjpeg_pcm16", plain()},
             {"idx1_absolute_div3_adpcm", absoluteOffsets()},
@@ -204,7 +252,11 @@ std::vector<Seed> seeds() {
             {"mpeg2_mp2", mpeg2AndMp2()},
             {"mjpeg_mp3_by_bytes", mp3ByBytes()},
             {"vc1_pcm24", vc1AndPcm24()},
-            {"subtitles_aac_adts", subtitlesAndAdts()}};
+            {"subtitles_aac_adts", subtitlesAndAdts()},
+            {"bug_offset_beyond_all_files", offsetBeyondAllFiles()},
+            {"bug_row_of_seeming_b_frames", rowOfSeemingBFrames()},
+            {"bug_blocks_without_header", blocksWithoutHeader()},
+            {"bug_subtitle_before_zero", subtitleBeforeZero()}};
 }
 
 void writeSeeds(const std::filesystem::path& folder) {
