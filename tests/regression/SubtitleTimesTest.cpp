@@ -18,14 +18,14 @@ TEST_F(SubtitleTimes, AreNeverNegative) {
         chunks.push_back(bytesOf(text + " picture"));
     openStream(subtitleStream(), chunks);
 
-    EXPECT_EQ(timesOfSamples(readAll(0)), std::vector<int64_t>(chunks.size(), 0));
+    EXPECT_EQ(timesOf(readAll(0)), std::vector<int64_t>(chunks.size(), 0));
 }
 
 TEST_F(SubtitleTimes, FollowingOnesAreRight) {
     openStream(subtitleStream(),
                {bytesOf(std::string(20, ' ')), subtitleChunk("00:00:01.000", "00:00:02.000")});
 
-    EXPECT_EQ(timesOfSamples(readAll(0)), (std::vector<int64_t>{0, 1000000}));
+    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{0, 1000000}));
 }
 
 }  // namespace

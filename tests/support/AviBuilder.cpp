@@ -93,6 +93,13 @@ std::vector<MoviChunk> AviFile::chunks(size_t stream) const {
     return result;
 }
 
+std::vector<Bytes> AviFile::payloads(size_t stream) const {
+    std::vector<Bytes> result;
+    for (const MoviChunk& chunk : chunks(stream))
+        result.push_back(chunk.data());
+    return result;
+}
+
 ChunkPlace AviFile::place(const std::string& mark) const {
     const auto found = mLayout.find(mark);
     if (found == mLayout.end()) fail("no chunk is marked '" + mark + "'");

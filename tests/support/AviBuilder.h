@@ -139,6 +139,8 @@ class AviFile {
     // build().
     std::vector<MoviChunk> chunks(size_t stream) const;
     const std::deque<MoviChunk>& allChunks() const { return mChunks; }
+    // Their payloads, as reading the stream's track should give them where nothing is converted.
+    std::vector<Bytes> payloads(size_t stream) const;
     // The place of a marked chunk in the last build(); AviFile marks its own "hdrl", "strl0",
     // "movi0", "idx1.0" (the number is the stream's or the segment's), "avih", "riff0", "rec0".
     // Unknown marks end the program.

@@ -47,6 +47,20 @@ Sample sampleOf(const BufferHandle& buffer) {
     return sample;
 }
 
+std::vector<Bytes> payloadsOf(const std::vector<Sample>& samples) {
+    std::vector<Bytes> result;
+    for (const Sample& sample : samples)
+        result.push_back(sample.bytes);
+    return result;
+}
+
+std::vector<int64_t> timesOf(const std::vector<Sample>& samples) {
+    std::vector<int64_t> result;
+    for (const Sample& sample : samples)
+        result.push_back(sample.timeUs);
+    return result;
+}
+
 ReadRun readTrack(Track& track, const SeekRequest& first, size_t limit) {
     ReadRun run;
     BufferGroup group;

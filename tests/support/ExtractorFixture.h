@@ -42,6 +42,10 @@ struct Sample {
 bool operator==(const Sample& a, const Sample& b);
 void PrintTo(const Sample& sample, std::ostream* out);
 
+// The payloads or the times of samples, for comparison as a whole.
+std::vector<Bytes> payloadsOf(const std::vector<Sample>& samples);
+std::vector<int64_t> timesOf(const std::vector<Sample>& samples);
+
 // What reads of one track gave until a status other than OK came.
 struct ReadRun {
     std::vector<Sample> samples;
@@ -96,7 +100,9 @@ class ExtractorFixture : public ::testing::Test {
     // All samples of a track from its beginning. Anything but END_OF_STREAM at the end is a failure
     // of the test.
     std::vector<Sample> readAll(size_t trackIndex);
-    // The same without any expectation on the status.
+    // Their payloads.
+    std::vector<Bytes> readPayloads(size_t trackIndex) { return payloadsOf(readAll(trackIndex)); }
+    // All samples without any expectation on the status.
     ReadRun readRun(size_t trackIndex);
     // The samples from a seek on, END_OF_STREAM expected; at most `limit`.
     std::vector<Sample> readFrom(size_t trackIndex, const SeekRequest& seek,

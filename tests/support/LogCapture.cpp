@@ -3,6 +3,7 @@
 #include "tests/support/LogCapture.h"
 
 #include <algorithm>
+#include <iterator>
 #include <ostream>
 
 namespace avitest {
@@ -66,17 +67,27 @@ std::vector<LogLine> LogCapture::lines() const {
     return mLines;
 }
 
-bool LogCapture::contains(int priority, std::string_view text) const {
+std::vector<LogLine> LogCapture::linesWith(std::string_view text) const {
     const std::lock_guard<std::mutex> guard(gLock);
-    return std::any_of(mLines.begin(), mLines.end(), [priority, text](const LogLine& line) {
-        return line.priority == priority && hasText(line, text);
-    });
+    std::vector<LogLine> result;
+    std::copy_if(mLines.begin(), mLines.end(), std::back_inserter(result),
+                 [text](const LogLine& line) { return hasText(line, text); });
+    return result;
+}
+
+bool LogCapture::contains(int priority, std::string_view text) const {
+    return count(priority, text) > 0;
 }
 
 size_t LogCapture::count(std::string_view text) const {
-    const std::lock_guard<std::mutex> guard(gLock);
-    return static_cast<size_t>(std::count_if(
-        mLines.begin(), mLines.end(), [text](const LogLine& line) { return hasText(line, text); }));
+    return linesWith(text).size();
+}
+
+size_t LogCapture::count(int priority, std::string_view text) const {
+    const std::vector<LogLine> found = linesWith(text);
+    return static_cast<size_t>(
+        std::count_if(found.begin(), found.end(),
+                      [priority](const LogLine& line) { return line.priority == priority; }));
 }
 
 void LogCapture::clear() {

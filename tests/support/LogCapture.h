@@ -48,8 +48,11 @@ class LogCapture {
     std::vector<LogLine> lines() const;
     // Whether a line of exactly this priority contains `text`.
     bool contains(int priority, std::string_view text) const;
-    // How many lines, of whatever priority, contain `text`.
+    // How many lines contain `text`: of whatever priority, or of exactly this one.
     size_t count(std::string_view text) const;
+    size_t count(int priority, std::string_view text) const;
+    // The lines that contain `text`, in order.
+    std::vector<LogLine> linesWith(std::string_view text) const;
     // Forgets what was recorded.
     void clear();
 

@@ -38,6 +38,23 @@ TEST(LogCapture, LoggedWantsTheExactPriorityAndAnyPartOfTheText) {
     EXPECT_THAT(log, Not(Logged(ANDROID_LOG_WARN, "idx2")));
 }
 
+TEST(LogCapture, CountMayBeOfOnePriority) {
+    LogCapture log;
+    say(ANDROID_LOG_INFO, "a a");
+    say(ANDROID_LOG_ERROR, "b a");
+    EXPECT_EQ(1u, log.count(ANDROID_LOG_ERROR, "a"));
+    EXPECT_EQ(0u, log.count(ANDROID_LOG_WARN, "a"));
+}
+
+TEST(LogCapture, LinesWithATextComeInOrder) {
+    LogCapture log;
+    say(ANDROID_LOG_INFO, "a 1");
+    say(ANDROID_LOG_ERROR, "b 2");
+    say(ANDROID_LOG_ERROR, "a 3");
+    EXPECT_THAT(log.linesWith("a "), ElementsAre(LogLine{ANDROID_LOG_INFO, "Speaker", "a 1"},
+                                                 LogLine{ANDROID_LOG_ERROR, "Speaker", "a 3"}));
+}
+
 TEST(LogCapture, CountIsOfLinesOfAnyPriority) {
     LogCapture log;
     say(ANDROID_LOG_INFO, "a a");

@@ -31,6 +31,10 @@ LogLine verbose(const std::string& text) {
     return line(ANDROID_LOG_VERBOSE, text);
 }
 
+std::string failureOf(const std::string& function, const std::string& code) {
+    return function + "(): error -" + code + " @line";
+}
+
 std::string format(const char* pattern, ...) {
     char text[512];
     va_list arguments;

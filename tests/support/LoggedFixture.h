@@ -31,6 +31,9 @@ class LoggedState {
 class LoggedFixture : protected LoggedState, public ExtractorFixture {
   protected:
     std::vector<LogLine> log() const { return mLog.lines(); }
+    // The whole text of the only line that contains `text`; a failure of the test when there is
+    // none or another one.
+    std::string onlyLineWith(const std::string& text) const;
 
     // Opens the file through a source whose reads are counted and can be made to fail.
     android::service::FaultySource& openCounted(Bytes file);

@@ -18,12 +18,13 @@ TEST_F(AacConfiguration, AdtsIsPublishedFieldByField) {
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_IS_ADTS), 1);
     EXPECT_EQ(esds(), (Bytes{0x03, 0x16, 0, 0, 0, 0x04, 0x11, 0x40, 0,    0,    0,    0,
                              0,    0,    0, 0, 0, 0,    0,    0,    0x05, 0x02, 0x12, 0x10}));
-    EXPECT_EQ(countOf("in waveFormat!"), 0u);
+    EXPECT_EQ(mLog.count("in waveFormat!"), 0u);
 }
 
 TEST_F(AacConfiguration, LinesTellWhatWasFound) {
     openFirst(adts(1, 4, 2));
-    EXPECT_TRUE(logged(debug("AAC Codec Data: profile 1, samplingFreqIndex 4/44100, channels 2")));
+    EXPECT_THAT(
+        log(), Contains(debug("AAC Codec Data: profile 1, samplingFreqIndex 4/44100, channels 2")));
     EXPECT_THAT(log(), Contains(LineFrom(ANDROID_LOG_DEBUG,
                                          "generateAACCodecData(): Make AAC ESDS(24B) done @")));
     EXPECT_TRUE(onlyLineWith("Make AAC ESDS").rfind("...") != std::string::npos);
@@ -31,7 +32,7 @@ TEST_F(AacConfiguration, LinesTellWhatWasFound) {
 
 TEST_F(AacConfiguration, ExtractLogDumpsTheDescriptor) {
     openSamplesLogged(mStream, {adts(1, 4, 2)});
-    EXPECT_TRUE(logged(verbose(hexOf(esds().value_or(Bytes())))));
+    EXPECT_THAT(log(), Contains(verbose(hexOf(esds().value_or(Bytes())))));
     openFirst(adts(1, 4, 2));
 }
 
@@ -91,30 +92,32 @@ TEST_F(AacConfiguration, WhatIsNoAdtsIsRaw) {
         EXPECT_EQ(number(AMEDIAFORMAT_KEY_IS_ADTS), std::nullopt);
         EXPECT_EQ(number(AMEDIAFORMAT_KEY_AAC_PROFILE), 1);
         EXPECT_EQ(specificConfig(), (Bytes{0x12, 0x10}));
-        EXPECT_EQ(countOf("RawAAC/"), 1u);
+        EXPECT_EQ(mLog.count("RawAAC/"), 1u);
     }
 }
 
 TEST_F(AacConfiguration, AdtsIsNotRaw) {
     openFirst(adts(1, 4, 2));
-    EXPECT_EQ(countOf("RawAAC/"), 0u);
-    EXPECT_EQ(countOf("CBR Audio duration"), 2u);  // its own and its companion's
+    EXPECT_EQ(mLog.count("RawAAC/"), 0u);
+    EXPECT_EQ(mLog.count("CBR Audio duration"), 2u);  // its own and its companion's
 }
 
 TEST_F(AacConfiguration, RawSamplesGoByTheWaveFormat) {
     mStream = aacStream(1, 22050);
     openFirst(patternBytes(64, 1));
     EXPECT_EQ(specificConfig(), (Bytes{0x13, 0x88}));
-    EXPECT_TRUE(logged(debug("AAC Codec Data: profile 1, samplingFreqIndex 7/22050, channels 1")));
-    EXPECT_EQ(countOf("in waveFormat!"), 0u);
+    EXPECT_THAT(
+        log(), Contains(debug("AAC Codec Data: profile 1, samplingFreqIndex 7/22050, channels 1")));
+    EXPECT_EQ(mLog.count("in waveFormat!"), 0u);
 }
 
 TEST_F(AacConfiguration, ExtraDataIsTheConfiguration) {
     setExtra({0x12, 0x10});
     openFirst(patternBytes(64, 1));
     EXPECT_EQ(specificConfig(), (Bytes{0x12, 0x10}));
-    EXPECT_TRUE(logged(debug("AAC RAW Data: profile 1, samplingFreqIndex 4/44100, channels 2")));
-    EXPECT_EQ(countOf("RawAAC/"), 1u);
+    EXPECT_THAT(log(),
+                Contains(debug("AAC RAW Data: profile 1, samplingFreqIndex 4/44100, channels 2")));
+    EXPECT_EQ(mLog.count("RawAAC/"), 1u);
 }
 
 TEST_F(AacConfiguration, ExtraDataWinsOverAdtsExceptForItsKeys) {
@@ -125,14 +128,15 @@ TEST_F(AacConfiguration, ExtraDataWinsOverAdtsExceptForItsKeys) {
     EXPECT_EQ(specificConfig(), (Bytes{0x0B, 0x88}));
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAMPLE_RATE), 22050);
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_CHANNEL_COUNT), 1);
-    EXPECT_TRUE(logged(debug("AAC RAW Data: profile 0, samplingFreqIndex 7/22050, channels 1")));
+    EXPECT_THAT(log(),
+                Contains(debug("AAC RAW Data: profile 0, samplingFreqIndex 7/22050, channels 1")));
 }
 
 TEST_F(AacConfiguration, OneByteOfExtraDataIsNoConfiguration) {
     setExtra({0x0B});
     openFirst(patternBytes(64, 1));
     EXPECT_EQ(specificConfig(), (Bytes{0x12, 0x10}));
-    EXPECT_EQ(countOf("AAC Codec Data"), 1u);
+    EXPECT_EQ(mLog.count("AAC Codec Data"), 1u);
 }
 
 TEST_F(AacConfiguration, BytesBehindTheFirstTwoDoNotMatter) {
@@ -145,23 +149,26 @@ TEST_F(AacConfiguration, ObjectTypeZeroStaysZero) {
     setExtra({0x02, 0x10});
     openFirst(patternBytes(64, 1));
     EXPECT_EQ(specificConfig(), (Bytes{0x02, 0x10}));
-    EXPECT_TRUE(
-        logged(debug("AAC RAW Data: profile 4294967295, samplingFreqIndex 4/44100, channels 2")));
+    EXPECT_THAT(
+        log(),
+        Contains(debug("AAC RAW Data: profile 4294967295, samplingFreqIndex 4/44100, channels 2")));
 }
 
 TEST_F(AacConfiguration, DifferentRateReplacesThatOfTheWaveFormat) {
     openFirst(adts(1, 3, 2));
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAMPLE_RATE), 48000);
-    EXPECT_TRUE(
-        logged(warning("AAC Sample Rate(48000) not the same as that(44100) in waveFormat!")));
-    EXPECT_EQ(countOf("in waveFormat!"), 1u);
+    EXPECT_THAT(
+        log(),
+        Contains(warning("AAC Sample Rate(48000) not the same as that(44100) in waveFormat!")));
+    EXPECT_EQ(mLog.count("in waveFormat!"), 1u);
 }
 
 TEST_F(AacConfiguration, DifferentChannelsReplaceThoseOfTheWaveFormat) {
     openFirst(adts(1, 4, 6));
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_CHANNEL_COUNT), 6);
-    EXPECT_TRUE(logged(warning("AAC Channel Count(6) not the same as that(2) in waveFormat!")));
-    EXPECT_EQ(countOf("in waveFormat!"), 1u);
+    EXPECT_THAT(log(),
+                Contains(warning("AAC Channel Count(6) not the same as that(2) in waveFormat!")));
+    EXPECT_EQ(mLog.count("in waveFormat!"), 1u);
 }
 
 // Five channels are published as six, but the decoder is told what the wave format says.
@@ -169,7 +176,8 @@ TEST_F(AacConfiguration, FiveChannelsOfTheWaveFormatAreFive) {
     mStream = aacStream(5, 44100);
     openFirst(patternBytes(64, 1));
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_CHANNEL_COUNT), 5);
-    EXPECT_TRUE(logged(warning("AAC Channel Count(5) not the same as that(6) in waveFormat!")));
+    EXPECT_THAT(log(),
+                Contains(warning("AAC Channel Count(5) not the same as that(6) in waveFormat!")));
 }
 
 TEST_F(AacConfiguration, EveryAacTagIsConfigured) {
@@ -194,7 +202,7 @@ TEST_F(AacConfiguration, UnreadableFirstSampleGivesNoDescriptor) {
     EXPECT_EQ(esds(), std::nullopt);
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_AAC_PROFILE), std::nullopt);
     EXPECT_FALSE(isBad());
-    EXPECT_EQ(countOf("AAC Codec Data"), 0u);
+    EXPECT_EQ(mLog.count("AAC Codec Data"), 0u);
 }
 
 TEST_F(AacConfiguration, FirstSampleWhoseEndCannotBeReadGivesNoDescriptor) {
@@ -221,7 +229,7 @@ TEST_F(AacConfiguration, FirstSampleLongerThanTheFileGivesNoDescriptor) {
 TEST_F(AacConfiguration, ExtractLogShowsSamplesOneToNine) {
     const std::vector<Bytes> samples(12, adts(1, 4, 2));
     openSamplesLogged(mStream, samples);
-    EXPECT_EQ(countOf("AAC sample-"), 9u);
+    EXPECT_EQ(mLog.count("AAC sample-"), 9u);
     for (int i = 1; i < 10; ++i) {
         EXPECT_THAT(log(),
                     Contains(LineFrom(ANDROID_LOG_VERBOSE,
@@ -233,14 +241,14 @@ TEST_F(AacConfiguration, ExtractLogShowsSamplesOneToNine) {
 
 TEST_F(AacConfiguration, ExtractLogOffShowsNoSamples) {
     openSamples(mStream, std::vector<Bytes>(12, adts(1, 4, 2)));
-    EXPECT_EQ(countOf("AAC sample-"), 0u);
+    EXPECT_EQ(mLog.count("AAC sample-"), 0u);
 }
 
 TEST_F(AacConfiguration, ShownSizesAreThoseOfTheChunksWhereTheTableCountsBytes) {
     mStream.header.sampleSize = 1;
     openSamplesLogged(mStream, {Bytes(100, 1), Bytes(50, 2), Bytes(30, 3)});
-    EXPECT_EQ(countOf("AAC sample-1, header 02 02 02 02 size 50 @"), 1u);
-    EXPECT_EQ(countOf("AAC sample-2, header 03 03 03 03 size 30 @"), 1u);
+    EXPECT_EQ(mLog.count("AAC sample-1, header 02 02 02 02 size 50 @"), 1u);
+    EXPECT_EQ(mLog.count("AAC sample-2, header 03 03 03 03 size 30 @"), 1u);
 }
 
 }  // namespace

@@ -7,6 +7,8 @@
 namespace avitest {
 namespace {
 
+using ::testing::Contains;
+
 // ISO/IEC 14496-3, table 1.18, by index.
 constexpr uint32_t kRates[] = {96000, 88200, 64000, 48000, 44100, 32000,
                                24000, 22050, 16000, 12000, 11025, 8000};
@@ -27,15 +29,16 @@ TEST_P(AacRates, IndexOfAdtsIsPublished) {
     openFirst(adts(1, mIndex, 2));
     EXPECT_EQ(specificConfig(), configOf(2, mIndex, 2));
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAMPLE_RATE), static_cast<int32_t>(mRate));
-    EXPECT_EQ(countOf("in waveFormat!"), 0u);
+    EXPECT_EQ(mLog.count("in waveFormat!"), 0u);
 }
 
 TEST_P(AacRates, IndexOfAdtsReplacesAnotherRate) {
     mStream = aacStream(2, 7350);
     openFirst(adts(1, mIndex, 2));
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAMPLE_RATE), static_cast<int32_t>(mRate));
-    EXPECT_TRUE(logged(
-        warning(format("AAC Sample Rate(%u) not the same as that(7350) in waveFormat!", mRate))));
+    EXPECT_THAT(log(),
+                Contains(warning(format(
+                    "AAC Sample Rate(%u) not the same as that(7350) in waveFormat!", mRate))));
 }
 
 TEST_P(AacRates, IndexOfExtraDataIsPublished) {
@@ -50,7 +53,7 @@ TEST_P(AacRates, RateOfTheWaveFormatGivesTheIndex) {
     mStream = aacStream(1, mRate);
     openFirst(patternBytes(40, 7));
     EXPECT_EQ(specificConfig(), configOf(2, mIndex, 1));
-    EXPECT_EQ(countOf("in waveFormat!"), 0u);
+    EXPECT_EQ(mLog.count("in waveFormat!"), 0u);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, AacRates, ::testing::Range(0u, 12u));
@@ -65,8 +68,9 @@ TEST_F(AacOddRates, RateWithoutAnIndexBecomes96000) {
         openFirst(patternBytes(40, 7));
         EXPECT_EQ(specificConfig(), configOf(2, 0, 2));
         EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAMPLE_RATE), 96000);
-        EXPECT_TRUE(logged(warning(
-            format("AAC Sample Rate(96000) not the same as that(%u) in waveFormat!", rate))));
+        EXPECT_THAT(log(),
+                    Contains(warning(format(
+                        "AAC Sample Rate(96000) not the same as that(%u) in waveFormat!", rate))));
     }
 }
 

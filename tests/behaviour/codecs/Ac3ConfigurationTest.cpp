@@ -7,6 +7,8 @@
 namespace avitest {
 namespace {
 
+using ::testing::Contains;
+
 class Ac3Configuration : public CodecTest {
   protected:
     const Bytes mFrame = Bytes{0x0B, 0x77} + Bytes(62, 0x31);
@@ -15,9 +17,10 @@ class Ac3Configuration : public CodecTest {
     // Opens these samples; the junk measured.
     void expectJunk(const std::vector<Bytes>& samples, size_t junk) {
         openSamplesLogged(mStream, samples);
-        EXPECT_TRUE(
-            logged(verbose(format("generateAC3CodecData(): AC3 invalid data size %zu", junk))));
-        EXPECT_EQ(countOf("AC3 invalid data size"), 1u);
+        EXPECT_THAT(
+            log(),
+            Contains(verbose(format("generateAC3CodecData(): AC3 invalid data size %zu", junk))));
+        EXPECT_EQ(mLog.count("AC3 invalid data size"), 1u);
         EXPECT_EQ(mimeType(), "audio/ac3");
     }
 };
@@ -58,18 +61,18 @@ TEST_F(Ac3Configuration, JunkIsCountedByChunkWhereTheTableCountsBytes) {
 TEST_F(Ac3Configuration, UnreadableSamplesAreNotCounted) {
     setProperty(kExtractLogProperty, "1");
     openSamplesWithout(mStream, {Bytes(20, 0x44), Bytes(30, 0x44), Bytes(3, 0x44) + mFrame}, {1});
-    EXPECT_TRUE(logged(verbose("generateAC3CodecData(): AC3 invalid data size 23")));
+    EXPECT_THAT(log(), Contains(verbose("generateAC3CodecData(): AC3 invalid data size 23")));
 }
 
 TEST_F(Ac3Configuration, ExtractLogOffSaysNothing) {
     openSamples(mStream, {Bytes(10, 0x44) + mFrame});
-    EXPECT_EQ(countOf("AC3 invalid data size"), 0u);
+    EXPECT_EQ(mLog.count("AC3 invalid data size"), 0u);
 }
 
 TEST_F(Ac3Configuration, JunkIsStillHandedOut) {
     const std::vector<Bytes> samples = {Bytes(10, 0x44) + mFrame, mFrame};
     openSamples(mStream, samples);
-    EXPECT_EQ(trackBytes(0), samples[0] + samples[1]);
+    EXPECT_EQ(readPayloads(0), samples);
 }
 
 }  // namespace

@@ -7,6 +7,8 @@
 namespace avitest {
 namespace {
 
+using ::testing::Contains;
+
 class AudioDispatch : public CodecTest {
   protected:
     std::optional<Bytes> csd0() { return buffer(AMEDIAFORMAT_KEY_CSD_0); }
@@ -45,17 +47,17 @@ TEST_F(AudioDispatch, OtherCodecsGetNothing) {
 
 TEST_F(AudioDispatch, MimeTypeIsLoggedOnlyWithTheExtractLog) {
     openSamples(pcmStream(), {patternBytes(64)});
-    EXPECT_EQ(countOf("generateCodecData for"), 0u);
+    EXPECT_EQ(mLog.count("generateCodecData for"), 0u);
     openSamplesLogged(pcmStream(), {patternBytes(64)});
-    EXPECT_TRUE(logged(verbose("generateCodecData for [audio/raw]:")));
-    EXPECT_TRUE(logged(verbose("generateCodecData for [audio/g711-alaw]:")));
+    EXPECT_THAT(log(), Contains(verbose("generateCodecData for [audio/raw]:")));
+    EXPECT_THAT(log(), Contains(verbose("generateCodecData for [audio/g711-alaw]:")));
 }
 
 TEST_F(AudioDispatch, StreamWithoutSamplesIsNotConfigured) {
     openSamplesLogged(audioOfTag(0x0002), {});
     EXPECT_TRUE(isBad());
     EXPECT_EQ(csd0(), std::nullopt);
-    EXPECT_EQ(countOf("generateCodecData for [audio/x-adpcm-ms]:"), 0u);
+    EXPECT_EQ(mLog.count("generateCodecData for [audio/x-adpcm-ms]:"), 0u);
 }
 
 // One sample is enough: audio is configured at the end of the parse.

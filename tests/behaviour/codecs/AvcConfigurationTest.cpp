@@ -90,10 +90,11 @@ TEST_F(AvcConfiguration, SizeOfThePictureIsThatOfTheSet) {
 TEST_F(AvcConfiguration, LinesTellWhatWasFound) {
     openSets(mSps, mPps);
     const Bytes csd = record().value_or(Bytes());
-    EXPECT_TRUE(logged(debug("AVC Dimensions: 352 x 288 (0 : 0)")));
-    EXPECT_TRUE(logged(debug(format("avcC(%zuB):", csd.size()))));
-    EXPECT_TRUE(logged(debug(upperHexOf(csd))));
-    EXPECT_TRUE(logged(debug("found AVC codec config (352 x 288, Baseline-profile level 3.0)")));
+    EXPECT_THAT(log(), Contains(debug("AVC Dimensions: 352 x 288 (0 : 0)")));
+    EXPECT_THAT(log(), Contains(debug(format("avcC(%zuB):", csd.size()))));
+    EXPECT_THAT(log(), Contains(debug(upperHexOf(csd))));
+    EXPECT_THAT(log(),
+                Contains(debug("found AVC codec config (352 x 288, Baseline-profile level 3.0)")));
 }
 
 TEST_F(AvcConfiguration, ProfileAndLevelAreNamed) {
@@ -111,7 +112,8 @@ TEST_F(AvcConfiguration, ProfileAndLevelAreNamed) {
         fields.profile = row.profile;
         fields.level = row.level;
         openSets(fields.nal(), mPps);
-        EXPECT_TRUE(logged(debug(format("found AVC codec config (352 x 288, %s)", row.text))));
+        EXPECT_THAT(log(),
+                    Contains(debug(format("found AVC codec config (352 x 288, %s)", row.text))));
     }
 }
 
@@ -121,7 +123,8 @@ TEST_F(AvcConfiguration, HighProfileIsNamed) {
     fields.level = 40;
     fields.chroma = 1;
     openSets(fields.nal(), mPps);
-    EXPECT_TRUE(logged(debug("found AVC codec config (352 x 288, High-profile level 4.0)")));
+    EXPECT_THAT(log(),
+                Contains(debug("found AVC codec config (352 x 288, High-profile level 4.0)")));
 }
 
 TEST_F(AvcConfiguration, ExtractLogTellsTheSearch) {
@@ -132,21 +135,22 @@ TEST_F(AvcConfiguration, ExtractLogTellsTheSearch) {
                                          "generateAvcCodecData(): First sample offset ")));
     EXPECT_THAT(onlyLineWith("First sample offset"),
                 ::testing::EndsWith(", size " + std::to_string(first.size())));
-    EXPECT_TRUE(logged(verbose("generateAvcCodecData(): AVCPos 1")));
-    EXPECT_TRUE(logged(verbose("generateAvcCodecData(): Find I-frame done")));
-    EXPECT_TRUE(logged(verbose(format("generateAvcCodecData(): NAL start @offset %zu.", idrAt))));
+    EXPECT_THAT(log(), Contains(verbose("generateAvcCodecData(): AVCPos 1")));
+    EXPECT_THAT(log(), Contains(verbose("generateAvcCodecData(): Find I-frame done")));
+    EXPECT_THAT(log(),
+                Contains(verbose(format("generateAvcCodecData(): NAL start @offset %zu.", idrAt))));
 }
 
 TEST_F(AvcConfiguration, ExtractLogOffLeavesTheSearchOut) {
     openSets(mSps, mPps);
     for (const char* text : {"First sample offset", "AVCPos", "Find I-frame", "NAL start @"})
-        EXPECT_EQ(countOf(text), 0u) << text;
+        EXPECT_EQ(mLog.count(text), 0u) << text;
 }
 
 TEST_F(AvcConfiguration, FirstSixtyFourBytesAreDumped) {
     const Bytes first = unit4(mSps) + unit4(mPps) + unit4(mIdr + patternBytes(200));
     openFirstLogged(first);
-    EXPECT_TRUE(logged(verbose(hexOf(Bytes(first.begin(), first.begin() + 64)))));
+    EXPECT_THAT(log(), Contains(verbose(hexOf(Bytes(first.begin(), first.begin() + 64)))));
 }
 
 // The range keeps the picture's offset as its length, so that it reaches into the picture.
@@ -156,9 +160,9 @@ TEST_F(AvcConfiguration, DelimiterInFrontMovesTheRange) {
     const size_t idrAt = first.size() - mIdr.size() - 4;
     openFirstLogged(first);
 
-    EXPECT_TRUE(logged(verbose("generateAvcCodecData(): AVCPos 7")));
+    EXPECT_THAT(log(), Contains(verbose("generateAvcCodecData(): AVCPos 7")));
     const auto range = first.begin() + spsAt;
-    EXPECT_TRUE(logged(verbose(hexOf(Bytes(range, range + idrAt)))));
+    EXPECT_THAT(log(), Contains(verbose(hexOf(Bytes(range, range + idrAt)))));
     const Bytes csd = record().value_or(Bytes());
     ASSERT_EQ(csd.size(), mSps.size() + mPps.size() + 11);
     EXPECT_EQ(Bytes(csd.begin() + 8, csd.begin() + 8 + mSps.size()), mSps);
@@ -170,7 +174,7 @@ TEST_F(AvcConfiguration, PictureShorterThanTheDelimiterLeavesTheRangeAtTheStart)
     const size_t idrAt = first.size() - 4;
     openFirstLogged(first);
 
-    EXPECT_TRUE(logged(verbose(hexOf(Bytes(first.begin(), first.begin() + idrAt)))));
+    EXPECT_THAT(log(), Contains(verbose(hexOf(Bytes(first.begin(), first.begin() + idrAt)))));
     EXPECT_EQ(record().value_or(Bytes()).size(), mSps.size() + mPps.size() + 11);
 }
 
@@ -205,19 +209,19 @@ TEST_F(AvcConfiguration, NoIdrLeavesTheTrackAsItIs) {
     const Bytes first = unit4(mSps) + unit4(mPps) + unit4(mSlice);
     openFirst(first);
     expectUnchanged();
-    EXPECT_TRUE(logged(noIdr(first.size() - mSlice.size(), 4)));
+    EXPECT_THAT(log(), Contains(noIdr(first.size() - mSlice.size(), 4)));
 }
 
 TEST_F(AvcConfiguration, NoIdrBehindAThreeByteCodeTellsItsLength) {
     const Bytes first = unit4(mSps) + unit3(mSlice);
     openFirst(first);
-    EXPECT_TRUE(logged(noIdr(first.size() - mSlice.size(), 3)));
+    EXPECT_THAT(log(), Contains(noIdr(first.size() - mSlice.size(), 3)));
 }
 
 TEST_F(AvcConfiguration, NoStartCodeAtAllLeavesTheTrackAsItIs) {
     openFirst(Bytes(200, 0x55));
     expectUnchanged();
-    EXPECT_TRUE(logged(noIdr(0, 0)));
+    EXPECT_THAT(log(), Contains(noIdr(0, 0)));
 }
 
 TEST_F(AvcConfiguration, RecordOfTheStreamFormatStays) {
@@ -229,7 +233,7 @@ TEST_F(AvcConfiguration, RecordOfTheStreamFormatStays) {
 
     EXPECT_EQ(record(), csd);
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_WIDTH), 320);
-    EXPECT_TRUE(logged(noIdr(0, 0)));
+    EXPECT_THAT(log(), Contains(noIdr(0, 0)));
 }
 
 TEST_F(AvcConfiguration, NoSequenceSetPublishesNothing) {
@@ -251,7 +255,7 @@ TEST_F(AvcConfiguration, NoPictureSetPublishesNothing) {
     openFirst(unit4(mSps) + unit4(mIdr));
     expectUnchanged();
     EXPECT_THAT(log(), Contains(LineFrom(ANDROID_LOG_ERROR, kNoPps)));
-    EXPECT_TRUE(logged(debug("AVC Dimensions: 352 x 288 (0 : 0)")));
+    EXPECT_THAT(log(), Contains(debug("AVC Dimensions: 352 x 288 (0 : 0)")));
 }
 
 TEST_F(AvcConfiguration, SampleThatBeginsWithThePictureHasNoSets) {
@@ -262,7 +266,7 @@ TEST_F(AvcConfiguration, SampleThatBeginsWithThePictureHasNoSets) {
 TEST_F(AvcConfiguration, UnreadableFirstSampleSpoilsTheTrack) {
     openSamplesWithout(mStream, videoSamples(unit4(mSps) + unit4(mPps) + unit4(mIdr)), {0});
     EXPECT_TRUE(isBad());
-    EXPECT_THAT(log(), Contains(Failure("generateAvcCodecData", "3EC")));
+    EXPECT_THAT(mLog, Logged(ANDROID_LOG_ERROR, failureOf("generateAvcCodecData", "3EC")));
 }
 
 TEST_F(AvcConfiguration, SquareOrUnknownRatioLeavesTheDefault) {
@@ -272,8 +276,9 @@ TEST_F(AvcConfiguration, SquareOrUnknownRatioLeavesTheDefault) {
         openSets(sps, mPps);
         EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAR_WIDTH), 1);
         EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAR_HEIGHT), 1);
-        EXPECT_TRUE(
-            logged(debug("found AVC codec config (352 x 288, Baseline-profile level 3.0)")));
+        EXPECT_THAT(
+            log(),
+            Contains(debug("found AVC codec config (352 x 288, Baseline-profile level 3.0)")));
     }
 }
 
@@ -284,10 +289,12 @@ TEST_F(AvcConfiguration, OtherRatiosArePublished) {
         openSets(spsOfRatio(static_cast<uint32_t>(width), static_cast<uint32_t>(height)), mPps);
         EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAR_WIDTH), width);
         EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAR_HEIGHT), height);
-        EXPECT_TRUE(logged(debug(format("AVC Dimensions: 352 x 288 (%d : %d)", width, height))));
-        EXPECT_TRUE(logged(debug(
-            format("found AVC codec config (352 x 288, Baseline-profile level 3.0) SAR %d : %d",
-                   width, height))));
+        EXPECT_THAT(log(),
+                    Contains(debug(format("AVC Dimensions: 352 x 288 (%d : %d)", width, height))));
+        EXPECT_THAT(
+            log(), Contains(debug(format(
+                       "found AVC codec config (352 x 288, Baseline-profile level 3.0) SAR %d : %d",
+                       width, height))));
     }
 }
 

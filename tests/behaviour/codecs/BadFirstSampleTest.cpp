@@ -40,7 +40,7 @@ TEST_F(BadFirstSample, AvcPublishesNothing) {
         EXPECT_EQ(mimeType(), "video/avc");
         EXPECT_EQ(buffer(AMEDIAFORMAT_KEY_CSD_AVC), std::nullopt);
         EXPECT_EQ(number(AMEDIAFORMAT_KEY_WIDTH), 320);
-        EXPECT_EQ(countOf("generateAvcCodecData(): Can't not find start code"), 1u);
+        EXPECT_EQ(mLog.count("generateAvcCodecData(): Can't not find start code"), 1u);
     });
 }
 

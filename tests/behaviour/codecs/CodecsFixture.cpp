@@ -88,18 +88,4 @@ void CodecTest::openSamplesWithout(const Stream& stream, const std::vector<Bytes
     ASSERT_EQ(openFaulty(std::move(file), faults), 2u);
 }
 
-bool CodecTest::logged(const LogLine& line) const {
-    const std::vector<LogLine> lines = log();
-    return std::find(lines.begin(), lines.end(), line) != lines.end();
-}
-
-std::string CodecTest::onlyLineWith(const std::string& text) const {
-    std::vector<std::string> found;
-    for (const LogLine& line : log()) {
-        if (line.text.find(text) != std::string::npos) found.push_back(line.text);
-    }
-    EXPECT_EQ(found.size(), 1u) << testing::PrintToString(found);
-    return found.empty() ? "" : found.front();
-}
-
 }  // namespace avitest

@@ -27,12 +27,6 @@ AviFile codecFile(Stream stream, const std::vector<Bytes>& samples);
 std::string hexOf(const Bytes& bytes);
 std::string upperHexOf(const Bytes& bytes);
 
-// A line of exactly this priority that begins with the text.
-MATCHER_P2(LineFrom, priority, text, "line from '" + std::string(text) + "'") {
-    (void)result_listener;
-    return arg.priority == priority && arg.text.compare(0, std::string(text).size(), text) == 0;
-}
-
 class CodecTest : public StreamsFixture {
   protected:
     // Opens codecFile(); both streams must become tracks.
@@ -48,9 +42,6 @@ class CodecTest : public StreamsFixture {
     std::string mimeType() { return mime(0); }
     // Whether the stream under test is exposed as one that nothing can play.
     bool isBad() { return mimeType() == "video/x-unknown" || mimeType() == "audio/x-unknown"; }
-    bool logged(const LogLine& line) const;
-    // The whole text of the only line that contains `text`; a test failure when it is not the only.
-    std::string onlyLineWith(const std::string& text) const;
 };
 
 }  // namespace avitest

@@ -129,7 +129,7 @@ class DtsTest : public CodecTest {
     // The format is that of the wave header still.
     void expectNoFrame() {
         expectFormat("audio/vnd.dts", 1, 12345);
-        EXPECT_EQ(countOf("parseDtsMetaData OK."), 0u);
+        EXPECT_EQ(mLog.count("parseDtsMetaData OK."), 0u);
     }
 };
 

@@ -46,28 +46,30 @@ TEST_F(DtsCore, EverySamplingRateIsPublished) {
 
 TEST_F(DtsCore, LinesTellWhatWasFound) {
     openFirst(dtsCore(9, 13, 1));
-    EXPECT_TRUE(
-        logged(debug("[audio/vnd.dts] offset 0, dtsType 0, chanCount 6, sampleRate 48000")));
-    EXPECT_TRUE(logged(debug("generateDtsCodecData(): parseDtsMetaData OK.")));
+    EXPECT_THAT(
+        log(),
+        Contains(debug("[audio/vnd.dts] offset 0, dtsType 0, chanCount 6, sampleRate 48000")));
+    EXPECT_THAT(log(), Contains(debug("generateDtsCodecData(): parseDtsMetaData OK.")));
 }
 
 TEST_F(DtsCore, ReservedRateIsLoggedAsMinusOne) {
     openFirst(dtsCore(9, 0, 1));
-    EXPECT_TRUE(logged(debug("[audio/vnd.dts] offset 0, dtsType 0, chanCount 6, sampleRate -1")));
+    EXPECT_THAT(log(),
+                Contains(debug("[audio/vnd.dts] offset 0, dtsType 0, chanCount 6, sampleRate -1")));
 }
 
 TEST_F(DtsCore, ExtractLogTellsTheFields) {
     openSamplesLogged(mStream, {Bytes(3, 0x11) + dtsCore(9, 13, 2)});
-    EXPECT_TRUE(logged(verbose("offset 3, startCode 0x7ffe8001")));
-    EXPECT_TRUE(logged(verbose("Core substream channelMode 9")));
-    EXPECT_TRUE(logged(verbose("Core substream lowFreqEffectsFlag 2")));
-    EXPECT_TRUE(logged(verbose("Core substream samplingFreqIndex 13")));
+    EXPECT_THAT(log(), Contains(verbose("offset 3, startCode 0x7ffe8001")));
+    EXPECT_THAT(log(), Contains(verbose("Core substream channelMode 9")));
+    EXPECT_THAT(log(), Contains(verbose("Core substream lowFreqEffectsFlag 2")));
+    EXPECT_THAT(log(), Contains(verbose("Core substream samplingFreqIndex 13")));
 }
 
 TEST_F(DtsCore, ExtractLogOffLeavesTheFieldsOut) {
     openFirst(dtsCore(9, 13, 2));
-    EXPECT_EQ(countOf("Core substream"), 0u);
-    EXPECT_EQ(countOf("startCode"), 0u);
+    EXPECT_EQ(mLog.count("Core substream"), 0u);
+    EXPECT_EQ(mLog.count("startCode"), 0u);
 }
 
 TEST_F(DtsCore, FourteenBitStreamHasADefaultFormat) {
@@ -80,8 +82,10 @@ TEST_F(DtsCore, FrameIsFoundAtAnyOffset) {
         SCOPED_TRACE(offset);
         openFirst(Bytes(offset, 0x7F) + dtsCore(9, 8, 1));
         expectFormat(kDts, 6, 44100);
-        EXPECT_TRUE(logged(debug(format(
-            "[audio/vnd.dts] offset %zu, dtsType 0, chanCount 6, sampleRate 44100", offset))));
+        EXPECT_THAT(
+            log(),
+            Contains(debug(format(
+                "[audio/vnd.dts] offset %zu, dtsType 0, chanCount 6, sampleRate 44100", offset))));
     }
 }
 
@@ -141,7 +145,7 @@ TEST_F(DtsCore, ElevenSamplesAreSearched) {
 TEST_F(DtsCore, FirstSampleWithAFrameCounts) {
     openSamples(mStream, {Bytes(40, 0x11), dtsCore(9, 8, 1), dtsCore(2, 13, 0)});
     expectFormat(kDts, 6, 44100);
-    EXPECT_EQ(countOf("parseDtsMetaData OK."), 1u);
+    EXPECT_EQ(mLog.count("parseDtsMetaData OK."), 1u);
 }
 
 TEST_F(DtsCore, UnreadableSamplesAreSkipped) {

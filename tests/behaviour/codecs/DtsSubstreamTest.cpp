@@ -7,6 +7,8 @@
 namespace avitest {
 namespace {
 
+using ::testing::Contains;
+
 constexpr char kHd[] = "audio/vnd.dts.hd";
 constexpr char kExpress[] = "audio/vnd.dts.hd;profile=lbr";
 constexpr char kDts[] = "audio/vnd.dts";
@@ -33,15 +35,18 @@ TEST_F(DtsSubstream, LosslessAssetIsHd) {
     mHeader.channels = 8;
     openFirst(mHeader.frame(kLosslessAsset));
     expectFormat(kHd, 8, 96000);
-    EXPECT_TRUE(
-        logged(debug("[audio/vnd.dts.hd] offset 0, dtsType 2, chanCount 8, sampleRate 96000")));
+    EXPECT_THAT(
+        log(),
+        Contains(debug("[audio/vnd.dts.hd] offset 0, dtsType 2, chanCount 8, sampleRate 96000")));
 }
 
 TEST_F(DtsSubstream, LowBitRateAssetIsExpress) {
     openFirst(mHeader.frame(kExpressAsset));
     expectFormat(kExpress, 2, 48000);
-    EXPECT_TRUE(logged(debug(
-        "[audio/vnd.dts.hd;profile=lbr] offset 0, dtsType 1, chanCount 2, sampleRate 48000")));
+    EXPECT_THAT(
+        log(),
+        Contains(debug(
+            "[audio/vnd.dts.hd;profile=lbr] offset 0, dtsType 1, chanCount 2, sampleRate 48000")));
 }
 
 TEST_F(DtsSubstream, OtherAssetIsPlainDts) {
@@ -76,10 +81,11 @@ TEST_F(DtsSubstream, WithoutStaticFieldsTheFormatIsADefault) {
     mHeader.channels = 8;
     openSamplesLogged(mStream, {mHeader.frame(kLosslessAsset)});
     expectFormat(kHd, 2, 48000);
-    EXPECT_TRUE(logged(verbose("Ext substream staticFieldsPresent 0")));
-    EXPECT_TRUE(
-        logged(verbose("Ext substream staticFieldsPresent is false, set to default value")));
-    EXPECT_EQ(countOf("sampleRateIndex"), 0u);
+    EXPECT_THAT(log(), Contains(verbose("Ext substream staticFieldsPresent 0")));
+    EXPECT_THAT(
+        log(),
+        Contains(verbose("Ext substream staticFieldsPresent is false, set to default value")));
+    EXPECT_EQ(mLog.count("sampleRateIndex"), 0u);
 }
 
 // Without static fields nothing of what follows their flag is needed, so that the header may end
@@ -160,32 +166,33 @@ TEST_F(DtsSubstream, LongestHeadersAreRead) {
 
 TEST_F(DtsSubstream, ExtractLogTellsTheFields) {
     openSamplesLogged(mStream, {Bytes(2, 0x11) + mHeader.frame(kLosslessAsset)});
-    EXPECT_TRUE(logged(verbose("offset 2, startCode 0x64582025")));
-    EXPECT_TRUE(logged(verbose("syncValue 0x41a29547")));
-    EXPECT_TRUE(logged(verbose("Ext substream staticFieldsPresent 1")));
-    EXPECT_TRUE(logged(verbose("Ext substream sampleRateIndex 12")));
+    EXPECT_THAT(log(), Contains(verbose("offset 2, startCode 0x64582025")));
+    EXPECT_THAT(log(), Contains(verbose("syncValue 0x41a29547")));
+    EXPECT_THAT(log(), Contains(verbose("Ext substream staticFieldsPresent 1")));
+    EXPECT_THAT(log(), Contains(verbose("Ext substream sampleRateIndex 12")));
 }
 
 TEST_F(DtsSubstream, ExtractLogOffLeavesTheFieldsOut) {
     openFirst(mHeader.frame(kLosslessAsset));
-    EXPECT_EQ(countOf("syncValue"), 0u);
-    EXPECT_EQ(countOf("Ext substream"), 0u);
+    EXPECT_EQ(mLog.count("syncValue"), 0u);
+    EXPECT_EQ(mLog.count("Ext substream"), 0u);
 }
 
 TEST_F(DtsSubstream, CoreInsideGivesTheFormat) {
     openSamplesLogged(mStream, {coreInside(0x12345678)});
     expectFormat(kDts, 6, 44100);
-    EXPECT_TRUE(logged(verbose("syncValue 0x2b09261")));
-    EXPECT_TRUE(logged(verbose("Core substream channelMode 9")));
-    EXPECT_TRUE(logged(verbose("syncValue2 0x12345678")));
-    EXPECT_EQ(countOf("Ext substream"), 0u);
+    EXPECT_THAT(log(), Contains(verbose("syncValue 0x2b09261")));
+    EXPECT_THAT(log(), Contains(verbose("Core substream channelMode 9")));
+    EXPECT_THAT(log(), Contains(verbose("syncValue2 0x12345678")));
+    EXPECT_EQ(mLog.count("Ext substream"), 0u);
 }
 
 TEST_F(DtsSubstream, LosslessAssetBehindTheCoreIsHd) {
     openFirst(coreInside(kLosslessAsset));
     expectFormat(kHd, 6, 44100);
-    EXPECT_TRUE(
-        logged(debug("[audio/vnd.dts.hd] offset 0, dtsType 2, chanCount 6, sampleRate 44100")));
+    EXPECT_THAT(
+        log(),
+        Contains(debug("[audio/vnd.dts.hd] offset 0, dtsType 2, chanCount 6, sampleRate 44100")));
 }
 
 TEST_F(DtsSubstream, LowBitRateAssetBehindTheCoreIsPlainDts) {

@@ -33,7 +33,7 @@ class HevcConfiguration : public HevcTest {
         openFirst(first);
         EXPECT_TRUE(isBad());
         EXPECT_EQ(record(), std::nullopt);
-        EXPECT_TRUE(logged(error(kNoSequence)));
+        EXPECT_THAT(log(), Contains(error(kNoSequence)));
     }
 };
 
@@ -53,22 +53,22 @@ TEST_F(HevcConfiguration, ExtractLogTellsTheSearch) {
     for (const char* text :
          {"VPS found @0", "SPS found @28", "PPS found @72",
           "Whole Seq Hdr found @83, VPS/SPS/PPS size 24/40/7", "NAL start @offset 83."})
-        EXPECT_TRUE(logged(verbose(name + text))) << text;
+        EXPECT_THAT(log(), Contains(verbose(name + text))) << text;
     EXPECT_THAT(log(),
                 Contains(LineFrom(ANDROID_LOG_VERBOSE, name + "set HVCC seq hdr, size 109 @L")));
-    EXPECT_TRUE(logged(verbose(hexOf(kHevcRecordHeader + mArrays))));
+    EXPECT_THAT(log(), Contains(verbose(hexOf(kHevcRecordHeader + mArrays))));
 }
 
 TEST_F(HevcConfiguration, SequenceHeaderIsDumped) {
     openSamplesLogged(mStream, videoSamples(mSets + unit4(mPicture)));
     const Bytes rewritten =
         Bytes{0, 1, 0, 24} + mVps + Bytes{0, 1, 0, 40} + mSps + Bytes{0, 1, 0, 7} + mPps;
-    EXPECT_TRUE(logged(verbose(hexOf(rewritten))));
+    EXPECT_THAT(log(), Contains(verbose(hexOf(rewritten))));
 }
 
 TEST_F(HevcConfiguration, ExtractLogOffSaysNothing) {
     openFirst(mSets + unit4(mPicture));
-    EXPECT_EQ(countOf("generateHevcCodecData"), 0u);
+    EXPECT_EQ(mLog.count("generateHevcCodecData"), 0u);
 }
 
 TEST_F(HevcConfiguration, UnitsInFrontLeaveTheirLengthAsZerosBehind) {
@@ -183,7 +183,7 @@ TEST_F(HevcConfiguration, NineSamplesAreNotLookedAt) {
 TEST_F(HevcConfiguration, UnreadableFirstSampleSpoilsTheTrack) {
     openSamplesWithout(mStream, videoSamples(mSets + unit4(mPicture)), {0});
     EXPECT_TRUE(isBad());
-    EXPECT_THAT(log(), Contains(Failure("generateHevcCodecData", "3EC")));
+    EXPECT_THAT(mLog, Logged(ANDROID_LOG_ERROR, failureOf("generateHevcCodecData", "3EC")));
 }
 
 }  // namespace

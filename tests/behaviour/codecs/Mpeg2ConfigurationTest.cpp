@@ -7,6 +7,8 @@
 namespace avitest {
 namespace {
 
+using ::testing::Contains;
+
 const LogLine kWrong = warning("Something wrong to generateMPEG2CodecData.");
 
 Bytes headerOf(uint8_t code, size_t size) {
@@ -24,7 +26,7 @@ class Mpeg2Configuration : public CodecTest {
     void expectNothing() {
         EXPECT_EQ(esds(), std::nullopt);
         EXPECT_EQ(mimeType(), "video/mpeg2");
-        EXPECT_TRUE(logged(kWrong));
+        EXPECT_THAT(log(), Contains(kWrong));
     }
 };
 
@@ -37,7 +39,7 @@ TEST_F(Mpeg2Configuration, HeadersAreWrappedFieldByField) {
     EXPECT_EQ(front, (Bytes{0x03, 0x80, 0x34, 0, 0, 0, 0x04, 0x80, 0x2E, 0x40, 0,    0,   0,
                             0,    0,    0,    0, 0, 0, 0,    0,    0,    0x05, 0x80, 0x1E}));
     EXPECT_EQ(Bytes(bytes.begin() + 25, bytes.end()), mHeaders);
-    EXPECT_EQ(countOf(kWrong.text), 0u);
+    EXPECT_EQ(mLog.count(kWrong.text), 0u);
 }
 
 TEST_F(Mpeg2Configuration, EveryMpegCodeIsConfigured) {
@@ -106,13 +108,13 @@ TEST_F(Mpeg2Configuration, ExtractLogTellsTheSampleAndDumpsTheDescriptor) {
     EXPECT_THAT(onlyLineWith("Make ESDS for MPEG2"),
                 ::testing::MatchesRegex(
                     "Make ESDS for MPEG2 from the first frame \\(sz 70, off [0-9a-f]+\\)"));
-    EXPECT_TRUE(logged(verbose(hexOf(esds().value_or(Bytes())))));
+    EXPECT_THAT(log(), Contains(verbose(hexOf(esds().value_or(Bytes())))));
 }
 
 TEST_F(Mpeg2Configuration, ExtractLogOffSaysNothing) {
     openFirst(mHeaders + mPicture);
-    EXPECT_EQ(countOf("Make ESDS"), 0u);
-    EXPECT_EQ(countOf("generateMPEG2CodecData"), 0u);
+    EXPECT_EQ(mLog.count("Make ESDS"), 0u);
+    EXPECT_EQ(mLog.count("generateMPEG2CodecData"), 0u);
 }
 
 }  // namespace

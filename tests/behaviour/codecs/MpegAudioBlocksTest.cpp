@@ -7,6 +7,8 @@
 namespace avitest {
 namespace {
 
+using ::testing::Contains;
+
 class MpegAudioBlocks : public MpegAudioConfigTest {
   protected:
     // Junk of one block, then frames.
@@ -16,17 +18,19 @@ class MpegAudioBlocks : public MpegAudioConfigTest {
     void setAlign(uint16_t align) { std::get<WaveFormat>(mStream.format).blockAlign = align; }
     void expectBlocks(uint32_t align, uint32_t total) {
         openChunks(mChunks);
-        EXPECT_TRUE(logged(warning(
-            format("generateMPEGCodecData(): Enable block mode align %u total %u", align, total))));
-        EXPECT_EQ(
-            countOf(format("SCNT %zu TTSZ 0 BLKM true TTBLKS %zu", mChunks.size(), mChunks.size())),
-            1u);
+        EXPECT_THAT(
+            log(),
+            Contains(warning(format("generateMPEGCodecData(): Enable block mode align %u total %u",
+                                    align, total))));
+        EXPECT_EQ(mLog.count(format("SCNT %zu TTSZ 0 BLKM true TTBLKS %zu", mChunks.size(),
+                                    mChunks.size())),
+                  1u);
     }
     void expectNoBlocks() {
         openChunks(mChunks);
         EXPECT_FALSE(isBad());
-        EXPECT_EQ(countOf("Enable block mode"), 0u);
-        EXPECT_EQ(countOf("BLKM true"), 0u);
+        EXPECT_EQ(mLog.count("Enable block mode"), 0u);
+        EXPECT_EQ(mLog.count("BLKM true"), 0u);
     }
 };
 

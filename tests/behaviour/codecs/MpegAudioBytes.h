@@ -40,11 +40,11 @@ class MpegAudioConfigTest : public CodecTest {
                       sample, offset);
     }
     void expectFound(size_t sample, size_t offset, uint32_t header = kLayerIIIHeader) {
-        EXPECT_EQ(countOf(foundAt(sample, offset, header)), 1u);
+        EXPECT_EQ(mLog.count(foundAt(sample, offset, header)), 1u);
         EXPECT_FALSE(isBad());
     }
     void expectNone() {
-        EXPECT_EQ(countOf("MP3 Header"), 0u);
+        EXPECT_EQ(mLog.count("MP3 Header"), 0u);
         EXPECT_TRUE(isBad());
     }
 };

@@ -7,6 +7,9 @@
 namespace avitest {
 namespace {
 
+using ::testing::Contains;
+using ::testing::Not;
+
 constexpr uint32_t kLayerIIHeader = 0xFFFD8000;  // 128 kbit/s, 44100 Hz
 constexpr uint32_t kLayerIHeader = 0xFFFF1800;   // 32 kbit/s, 32000 Hz
 
@@ -52,14 +55,14 @@ TEST_F(MpegAudioLayer, BothTagsAreConfigured) {
 
 TEST_F(MpegAudioLayer, ExtractLogTellsTheHeadersFields) {
     openSamplesLogged(mStream, {mpegFrame(kLayerIIIHeader | 0x2C0, 418), mpegFrame()});
-    EXPECT_TRUE(logged(verbose(
-        "header FFFB92C0 ver 3 layer 1 protect 1 smplPerfrm 1152 btrtIdx 9 btrt 128 smplingRtIdx "
-        "0 smplingRt 44100 chMod 3 padding 1 frameSize 418")));
+    EXPECT_THAT(log(), Contains(verbose("header FFFB92C0 ver 3 layer 1 protect 1 smplPerfrm 1152 "
+                                        "btrtIdx 9 btrt 128 smplingRtIdx "
+                                        "0 smplingRt 44100 chMod 3 padding 1 frameSize 418")));
 }
 
 TEST_F(MpegAudioLayer, ExtractLogOffLeavesTheFieldsOut) {
     openChunks({mpegFrame(), mpegFrame()});
-    EXPECT_EQ(countOf("btrtIdx"), 0u);
+    EXPECT_EQ(mLog.count("btrtIdx"), 0u);
 }
 
 class MpegAudioSampleSize : public MpegAudioConfigTest {
@@ -72,12 +75,14 @@ class MpegAudioSampleSize : public MpegAudioConfigTest {
         openChunks({mpegFrame(), mpegFrame()});
         const LogLine rewritten = warning(
             format("generateMPEGCodecData(): rewrite abnormal mp3 samplesize %u to 1", given));
-        EXPECT_EQ(logged(rewritten), given != expected);
-        EXPECT_EQ(countOf(format("[audio/mpeg] S %u R 16000 SSZ %u ", scale, expected)), 1u);
+        if (given == expected) {
+            EXPECT_THAT(log(), Not(Contains(rewritten)));
+        } else {
+            EXPECT_THAT(log(), Contains(rewritten));
+        }
+        EXPECT_EQ(mLog.count(format("[audio/mpeg] S %u R 16000 SSZ %u ", scale, expected)), 1u);
     }
-    bool isFramed() const {
-        return logged(warning("generateMPEGCodecData(): framed mp3? with samplesize 0"));
-    }
+    const LogLine mFramed = warning("generateMPEGCodecData(): framed mp3? with samplesize 0");
 };
 
 TEST_F(MpegAudioSampleSize, LargeSizesBecomeOneWhenTheScaleIsOne) {
@@ -94,12 +99,12 @@ TEST_F(MpegAudioSampleSize, OtherScalesLeaveThemAsTheyAre) {
 
 TEST_F(MpegAudioSampleSize, OneStaysOne) {
     expectSize(1, 1, 1);
-    EXPECT_FALSE(isFramed());
+    EXPECT_THAT(log(), Not(Contains(mFramed)));
 }
 
 TEST_F(MpegAudioSampleSize, ZeroMeansFrames) {
     expectSize(0, 1, 0);
-    EXPECT_TRUE(isFramed());
+    EXPECT_THAT(log(), Contains(mFramed));
 }
 
 }  // namespace

@@ -42,7 +42,7 @@ TEST_F(MpegAudioSearch, JunkIsNotPlayed) {
     mStream.header.rate = 16000;
     openChunks({junk(100), mpegFrame(), mpegFrame()});
     expectFound(1, 0);
-    EXPECT_EQ(trackBytes(0), mpegFrame() + mpegFrame());
+    EXPECT_EQ(readPayloads(0), (std::vector<Bytes>{mpegFrame(), mpegFrame()}));
 }
 
 TEST_F(MpegAudioSearch, SamplesUnderFourBytesAreSkipped) {
@@ -61,7 +61,7 @@ TEST_F(MpegAudioSearch, SuccessorMustAgreeInTheBitsOfTheStream) {
         const uint32_t successor = kLayerIIIHeader ^ uint32_t { 1 } << bit;
         openChunks({mpegFrame() + headerBytes(successor) + junk(20)});
         const bool agrees = (kStreamBits >> bit & 1) == 0;
-        EXPECT_EQ(countOf(foundAt(0, 0)), agrees ? 1u : 0u);
+        EXPECT_EQ(mLog.count(foundAt(0, 0)), agrees ? 1u : 0u);
     }
 }
 
@@ -155,13 +155,13 @@ TEST_F(MpegAudioSearch, ReservedFieldsAreNoHeader) {
 TEST_F(MpegAudioSearch, UnreadableSampleSpoilsTheTrack) {
     openSamplesWithout(mStream, {junk(300), mpegFrame(), mpegFrame()}, {0});
     expectNone();
-    EXPECT_THAT(log(), Contains(Failure("findMP3Header", "3EC")));
+    EXPECT_THAT(mLog, Logged(ANDROID_LOG_ERROR, failureOf("findMP3Header", "3EC")));
 }
 
 TEST_F(MpegAudioSearch, UnreadableSuccessorSpoilsTheTrack) {
     openSamplesWithout(mStream, {mpegFrame(), mpegFrame()}, {1});
     expectNone();
-    EXPECT_THAT(log(), Contains(Failure("findMP3Header", "3EC")));
+    EXPECT_THAT(mLog, Logged(ANDROID_LOG_ERROR, failureOf("findMP3Header", "3EC")));
 }
 
 TEST_F(MpegAudioSearch, SamplesBehindTheFoundOneAreNotRead) {
@@ -183,15 +183,15 @@ TEST_F(MpegAudioSearchLog, ExtractLogShowsTheSamples) {
                 ::testing::MatchesRegex("sample\\[0\\] size 100 offset [0-9]+, 15 15 15 15"));
     EXPECT_THAT(onlyLineWith("sample[1] size 417 offset "),
                 ::testing::MatchesRegex("sample\\[1\\] size 417 offset [0-9]+, FF FB 90 00"));
-    EXPECT_EQ(countOf("sample[2]"), 0u);
-    EXPECT_EQ(countOf("max sample size"), 0u);
-    EXPECT_EQ(countOf("Find header"), 0u);
+    EXPECT_EQ(mLog.count("sample[2]"), 0u);
+    EXPECT_EQ(mLog.count("max sample size"), 0u);
+    EXPECT_EQ(mLog.count("Find header"), 0u);
 }
 
 TEST_F(MpegAudioSearchLog, VerboseLogShowsTheCandidates) {
     openWith(kVerboseLogProperty, {junk(10) + mHeader + junk(500), mpegFrame(), mpegFrame()});
-    EXPECT_TRUE(logged(verbose("findMP3Header(): max sample size 514")));
-    EXPECT_EQ(countOf("sample[0]"), 0u);
+    EXPECT_THAT(log(), Contains(verbose("findMP3Header(): max sample size 514")));
+    EXPECT_EQ(mLog.count("sample[0]"), 0u);
     EXPECT_THAT(onlyLineWith("findMP3Header(): [0] Find header"),
                 ::testing::MatchesRegex("findMP3Header\\(\\): \\[0\\] Find header/offset/size/test="
                                         "\\(fffb9000/[0-9a-f]+/417/15151515\\)"));
@@ -206,15 +206,16 @@ TEST_F(MpegAudioSearchLog, VerboseLogShowsTheOffsetInTheFile) {
     Bytes file = avi.build();
     ASSERT_EQ(open(file), 2u);
     const uint64_t at = avi.chunks(0)[0].place.dataOffset + 10;
-    EXPECT_TRUE(
-        logged(verbose(format("findMP3Header(): [0] Find header/offset/size=(fffb9000/%llx/417)",
-                              static_cast<unsigned long long>(at)))));
+    EXPECT_THAT(
+        log(),
+        Contains(verbose(format("findMP3Header(): [0] Find header/offset/size=(fffb9000/%llx/417)",
+                                static_cast<unsigned long long>(at)))));
 }
 
 TEST_F(MpegAudioSearchLog, BothSwitchesOffSayNothing) {
     openChunks({junk(100), mpegFrame(), mpegFrame()});
     for (const char* text : {"sample[", "max sample size", "Find header"})
-        EXPECT_EQ(countOf(text), 0u) << text;
+        EXPECT_EQ(mLog.count(text), 0u) << text;
 }
 
 }  // namespace

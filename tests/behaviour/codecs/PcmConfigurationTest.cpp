@@ -61,7 +61,7 @@ TEST_F(PcmConfiguration, DtsCoreMakesDtsWithItsFormat) {
     EXPECT_EQ(mimeType(), kDtsMime);
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_CHANNEL_COUNT), 6);
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAMPLE_RATE), 48000);
-    EXPECT_TRUE(logged(debug("generatePCMCodecData(): parseDtsMetaData OK.")));
+    EXPECT_THAT(log(), Contains(debug("generatePCMCodecData(): parseDtsMetaData OK.")));
 }
 
 TEST_F(PcmConfiguration, FourteenBitDtsHasADefaultFormat) {
@@ -89,7 +89,7 @@ TEST_F(PcmConfiguration, DtsSyncWithoutAFrameIsDtsAllTheSame) {
     EXPECT_EQ(mimeType(), kDtsMime);
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_CHANNEL_COUNT), 2);
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAMPLE_RATE), 8000);
-    EXPECT_EQ(countOf("parseDtsMetaData OK."), 0u);
+    EXPECT_EQ(mLog.count("parseDtsMetaData OK."), 0u);
 }
 
 TEST_F(PcmConfiguration, FirstFindEndsTheSearch) {
@@ -151,14 +151,16 @@ TEST_F(PcmConfiguration, ShortSampleAtTheEndOfTheFileIsNot) {
 
 TEST_F(PcmConfiguration, ExtractLogTellsTheCheckAndDumpsTheSamples) {
     openSamplesLogged(mStream, {plain(), patternBytes(100, 4)});
-    EXPECT_TRUE(logged(verbose("generatePCMCodecData(): PCM format. Try to check the raw.")));
-    EXPECT_TRUE(logged(verbose(hexOf(Bytes(32, 0x11)))));
-    EXPECT_TRUE(logged(verbose(hexOf(ByteWriter().bytes(patternBytes(100, 4)).cut(32).take()))));
+    EXPECT_THAT(log(),
+                Contains(verbose("generatePCMCodecData(): PCM format. Try to check the raw.")));
+    EXPECT_THAT(log(), Contains(verbose(hexOf(Bytes(32, 0x11)))));
+    EXPECT_THAT(log(),
+                Contains(verbose(hexOf(ByteWriter().bytes(patternBytes(100, 4)).cut(32).take()))));
 }
 
 TEST_F(PcmConfiguration, ExtractLogOffSaysNothing) {
     openFirst(plain());
-    EXPECT_EQ(countOf("generatePCMCodecData"), 0u);
+    EXPECT_EQ(mLog.count("generatePCMCodecData"), 0u);
 }
 
 TEST_F(PcmConfiguration, ExtensibleFormatIsChecked) {
@@ -170,8 +172,9 @@ TEST_F(PcmConfiguration, ExtensibleFormatIsChecked) {
     openFirst(dtsCore(9, 13, 1));
     EXPECT_EQ(mimeType(), kDtsMime);
     openSamplesLogged(mStream, {plain()});
-    EXPECT_TRUE(logged(
-        verbose("generatePCMCodecData(): PCM extensible format. Need find the real format.")));
+    EXPECT_THAT(log(),
+                Contains(verbose(
+                    "generatePCMCodecData(): PCM extensible format. Need find the real format.")));
 }
 
 // Whatever the sub-format says: A-law, mu-law, one that nobody knows.

@@ -59,14 +59,14 @@ TEST_F(VariableRate, NoByteRateIsConstant) {
 
 TEST_F(VariableRate, AdtsIsConstant) {
     openSamples(mStream, {adts(1, 4, 2), adts(1, 4, 2) + Bytes(9, 1)});
-    EXPECT_EQ(countOf("VBR Audio "), 0u);
-    EXPECT_EQ(countOf("[audio/mp4a-latm] CBR Audio duration"), 1u);
+    EXPECT_EQ(mLog.count("VBR Audio "), 0u);
+    EXPECT_EQ(mLog.count("[audio/mp4a-latm] CBR Audio duration"), 1u);
 }
 
 TEST_F(VariableRate, OtherCodecsAreConstant) {
     openSamples(frameAudioStream(0x2000, 2, 48000, 1536), {Bytes(371, 1), Bytes(380, 1)});
-    EXPECT_EQ(countOf("VBR Audio "), 0u);
-    EXPECT_EQ(countOf("[audio/ac3] CBR Audio duration"), 1u);
+    EXPECT_EQ(mLog.count("VBR Audio "), 0u);
+    EXPECT_EQ(mLog.count("[audio/ac3] CBR Audio duration"), 1u);
 }
 
 }  // namespace

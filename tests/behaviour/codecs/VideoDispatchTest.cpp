@@ -25,26 +25,26 @@ class VideoDispatch : public CodecTest {
     void openMjpeg(size_t samples) {
         openSamples(mjpegStream(), videoSamples(patternBytes(64), samples, patternBytes(40)));
     }
-    size_t probeLines() const { return countOf("style H264"); }
+    size_t probeLines() const { return mLog.count("style H264"); }
 };
 
 TEST_F(VideoDispatch, TenthSampleBringsTheDefaultRatio) {
     openMjpeg(10);
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAR_WIDTH), 1);
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAR_HEIGHT), 1);
-    EXPECT_TRUE(logged(kDefaultRatio));
+    EXPECT_THAT(log(), Contains(kDefaultRatio));
 }
 
 TEST_F(VideoDispatch, NineSamplesBringNothing) {
     openMjpeg(9);
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAR_WIDTH), std::nullopt);
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAR_HEIGHT), std::nullopt);
-    EXPECT_FALSE(logged(kDefaultRatio));
+    EXPECT_THAT(log(), Not(Contains(kDefaultRatio)));
 }
 
 TEST_F(VideoDispatch, FurtherSamplesDoNotBringItAgain) {
     openMjpeg(25);
-    EXPECT_EQ(countOf(kDefaultRatio.text), 1u);
+    EXPECT_EQ(mLog.count(kDefaultRatio.text), 1u);
 }
 
 TEST_F(VideoDispatch, RatioOfTheContainerStays) {
@@ -55,7 +55,7 @@ TEST_F(VideoDispatch, RatioOfTheContainerStays) {
 
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAR_WIDTH), 9);
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAR_HEIGHT), 16);
-    EXPECT_FALSE(logged(kDefaultRatio));
+    EXPECT_THAT(log(), Not(Contains(kDefaultRatio)));
 }
 
 TEST_F(VideoDispatch, CodecsWithoutABuilderGetTheRatioOnly) {
@@ -74,10 +74,10 @@ TEST_F(VideoDispatch, CodecsWithoutABuilderGetTheRatioOnly) {
 
 TEST_F(VideoDispatch, MimeTypeIsLoggedOnlyWithTheExtractLog) {
     openMjpeg(10);
-    EXPECT_EQ(countOf("generateCodecData for"), 0u);
+    EXPECT_EQ(mLog.count("generateCodecData for"), 0u);
 
     openSamplesLogged(mjpegStream(), videoSamples(patternBytes(64), 10, patternBytes(40)));
-    EXPECT_TRUE(logged(verbose("generateCodecData for [video/x-motion-jpeg]:")));
+    EXPECT_THAT(log(), Contains(verbose("generateCodecData for [video/x-motion-jpeg]:")));
 }
 
 // Of the framing probe the outcome shows in what comes later: samples with length prefixes are
@@ -100,14 +100,14 @@ class AvcFraming : public VideoDispatch {
 TEST_F(AvcFraming, KeySamplesAreNotProbed) {
     openAllKey();
     EXPECT_EQ(probeLines(), 1u);
-    EXPECT_TRUE(logged(kLengthStyle));
+    EXPECT_THAT(log(), Contains(kLengthStyle));
 }
 
 TEST_F(AvcFraming, FirstOtherSampleIsProbed) {
     openSamples(mStream, mSamples);
     EXPECT_EQ(probeLines(), 2u);
-    EXPECT_TRUE(logged(probedSample(1)));
-    EXPECT_TRUE(logged(kLengthStyle));
+    EXPECT_THAT(log(), Contains(probedSample(1)));
+    EXPECT_THAT(log(), Contains(kLengthStyle));
 }
 
 TEST_F(AvcFraming, SampleLineComesFirst) {
@@ -124,13 +124,13 @@ TEST_F(AvcFraming, SamplesUnderFiveBytesAreNotProbed) {
     mSamples[2] = {0};
     mSamples[3] = {};
     openSamples(mStream, mSamples);
-    EXPECT_TRUE(logged(probedSample(4)));
+    EXPECT_THAT(log(), Contains(probedSample(4)));
 }
 
 TEST_F(AvcFraming, SampleOfFiveBytesIsProbed) {
     mSamples[1] = {0, 0, 0, 1, 0x41};
     openSamples(mStream, mSamples);
-    EXPECT_TRUE(logged(probedSample(1)));
+    EXPECT_THAT(log(), Contains(probedSample(1)));
 }
 
 // Sizes are signed here: that of an index entry that claims 2 GiB is below five bytes.
@@ -143,7 +143,7 @@ TEST_F(AvcFraming, SizesOf2GiBAndMoreAreNotProbed) {
             entries[1].length = size;
         };
         ASSERT_EQ(open(avi), 2u);
-        EXPECT_TRUE(logged(probedSample(2)));
+        EXPECT_THAT(log(), Contains(probedSample(2)));
         EXPECT_EQ(probeLines(), 2u);
     }
 }
@@ -154,35 +154,32 @@ TEST_F(AvcFraming, SizeBelow2GiBIsProbed) {
         entries[1].length = 0x7FFFFFFF;
     };
     ASSERT_EQ(open(avi), 2u);
-    EXPECT_TRUE(logged(probedSample(1)));
+    EXPECT_THAT(log(), Contains(probedSample(1)));
 }
 
 TEST_F(AvcFraming, UnreadableSamplesAreSkippedSilently) {
     openSamplesWithout(mStream, mSamples, {1, 2});
-    EXPECT_TRUE(logged(probedSample(3)));
+    EXPECT_THAT(log(), Contains(probedSample(3)));
     EXPECT_EQ(probeLines(), 2u);
 }
 
 TEST_F(AvcFraming, NoReadableSampleLeavesLengthPrefixes) {
     openSamplesWithout(mStream, mSamples, {1, 2, 3, 4, 5, 6, 7, 8, 9});
     EXPECT_EQ(probeLines(), 1u);
-    EXPECT_TRUE(logged(kLengthStyle));
+    EXPECT_THAT(log(), Contains(kLengthStyle));
 }
 
 TEST_F(AvcFraming, FourByteStartCodesLeaveSamplesAsTheyAre) {
     openSamples(mStream, mSamples);
-    std::vector<Bytes> read;
-    for (const Sample& sample : readAll(0))
-        read.push_back(sample.bytes);
-    EXPECT_EQ(read, mSamples);
+    EXPECT_EQ(readPayloads(0), mSamples);
 }
 
 // Only the code of four bytes counts.
 TEST_F(AvcFraming, ThreeByteStartCodeCountsAsLengthPrefix) {
     mSamples = videoSamples(unit3({0x65, 1, 2, 3, 4}), 10, unit3({0x67, 0x9A, 0x02, 0x05}));
     openSamples(mStream, mSamples);
-    EXPECT_TRUE(logged(probedSample(1)));
-    EXPECT_TRUE(logged(kLengthStyle));
+    EXPECT_THAT(log(), Contains(probedSample(1)));
+    EXPECT_THAT(log(), Contains(kLengthStyle));
 }
 
 TEST_F(AvcFraming, ParameterSetsInTheStreamFormatLeaveNothingToProbe) {

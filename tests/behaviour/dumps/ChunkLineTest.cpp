@@ -28,7 +28,7 @@ class ChunkLine : public DumpsTest {
     // The lines about chunks, with what stands for the time of a seek left out: without a seek it
     // is of no meaning.
     std::vector<std::string> chunkLines() const {
-        std::vector<std::string> lines = linesWith(" DTS/OFF/SZ/SYNC/TTSZ/SKTM/");
+        std::vector<std::string> lines = debugLinesWith(" DTS/OFF/SZ/SYNC/TTSZ/SKTM/");
         for (std::string& line : lines) {
             size_t at = line.find("=(");
             for (int field = 0; field < 5; ++field)
@@ -75,7 +75,7 @@ TEST_F(ChunkLine, TellsOfAudioThatIsCountedInBytes) {
     ASSERT_THAT(chunkLines(), SizeIs(3));
     const char* const kBefore[] = {"0", "100", "300"};
     const char* const kSizes[] = {"100", "200", "50"};
-    const std::vector<int64_t> times = timesOfSamples(readAll(0));
+    const std::vector<int64_t> times = timesOf(readAll(0));
     for (size_t i = 0; i < 3; ++i) {
         EXPECT_EQ(format("[audio/g711-alaw][0][%zu/3] "
                          "DTS/OFF/SZ/SYNC/TTSZ/SKTM/BLCKM/SSZ/TID=(%lld %llx %s 1 %s * 0 4 %d)",
@@ -116,7 +116,7 @@ TEST_F(ChunkLine, TellsWhereASeekWent) {
     for (const int64_t timeUs : {401234, 0}) {
         mLog.clear();
         started.track().read(android::SEEK, timeUs);
-        const std::string line = lineWith(" DTS/OFF/SZ/SYNC/TTSZ/SKTM/");
+        const std::string line = onlyDebugLineWith(" DTS/OFF/SZ/SYNC/TTSZ/SKTM/");
         EXPECT_NE(std::string::npos,
                   line.find(format(" 30 1 0 %lld 0 0 ", static_cast<long long>(timeUs))))
             << line;
@@ -127,7 +127,7 @@ TEST_F(ChunkLine, NegativeSeekTimeIs0) {
     openStream(mjpegStream(), chunksOf(3));
     StartedTrack started(track(0));
     started.track().read(android::SEEK, -5);
-    EXPECT_NE(std::string::npos, lineWith(" DTS/OFF/").find(" 30 1 0 0 0 0 "));
+    EXPECT_NE(std::string::npos, onlyDebugLineWith(" DTS/OFF/").find(" 30 1 0 0 0 0 "));
 }
 
 // Sound goes where the pictures went, whatever time it was asked for.
@@ -145,7 +145,7 @@ TEST_F(ChunkLine, TellsWhereSoundFollowsThePicturesTo) {
     pictures.track().read(android::SEEK, 500000);
     mLog.clear();
     sound.track().read(android::SEEK, 500000);
-    EXPECT_NE(std::string::npos, lineWith(" DTS/OFF/").find(" 320 1 3200 400000 0 1 "));
+    EXPECT_NE(std::string::npos, onlyDebugLineWith(" DTS/OFF/").find(" 320 1 3200 400000 0 1 "));
 }
 
 TEST_F(ChunkLine, EmptyChunksAreNotToldOf) {
@@ -184,7 +184,7 @@ TEST_F(BufferLine, ShowsTheMetadataOfEachBuffer) {
         const ReadResult result = started.read();
         EXPECT_EQ(format("[video/x-motion-jpeg][0][%zu] mBuffer meta data: ", i) +
                       result.buffer.metaData().toString(),
-                  lineWith("mBuffer meta data"));
+                  onlyDebugLineWith("mBuffer meta data"));
     }
 }
 
@@ -192,7 +192,7 @@ TEST_F(BufferLine, ShowsTheTargetOfASeek) {
     openStream(mjpegStream(), chunksOf(20));
     StartedTrack started(track(0));
     started.track().read(android::SEEK | android::SEEK_CLOSEST, 400000);
-    EXPECT_NE(std::string::npos, lineWith("mBuffer meta data").find("400000"));
+    EXPECT_NE(std::string::npos, onlyDebugLineWith("mBuffer meta data").find("400000"));
 }
 
 TEST_F(BufferLine, NamesStreamAndChunkOfMpegAudioFrames) {
@@ -204,7 +204,7 @@ TEST_F(BufferLine, NamesStreamAndChunkOfMpegAudioFrames) {
     avi.addChunk(audio, frame(2));
     openFileQuietly(avi);
     readAll(1);
-    const std::vector<std::string> lines = linesWith("mBuffer meta data: ");
+    const std::vector<std::string> lines = debugLinesWith("mBuffer meta data: ");
     ASSERT_THAT(lines, SizeIs(3));
     EXPECT_EQ(0u, lines[0].find("[audio/mpeg][1][0] mBuffer meta data: "));
     EXPECT_EQ(0u, lines[1].find("[audio/mpeg][1][0] mBuffer meta data: "));
@@ -215,7 +215,7 @@ TEST_F(BufferLine, NamesStreamAndChunkOfMpegAudioFrames) {
 TEST_F(BufferLine, IsThereForAnEmptyBuffer) {
     openStream(pcmStream(1, 8000, 24), {Bytes(1)});
     readAll(0);
-    EXPECT_THAT(linesWith("mBuffer meta data"), SizeIs(1));
+    EXPECT_THAT(debugLinesWith("mBuffer meta data"), SizeIs(1));
     EXPECT_THAT(dumps(), IsEmpty());
 }
 

@@ -49,20 +49,19 @@ void DumpsTest::openSlow(const Stream& stream, const std::vector<Bytes>& chunks)
     mLog.clear();
 }
 
-std::vector<std::string> DumpsTest::linesWith(const std::string& text) const {
+std::vector<std::string> DumpsTest::debugLinesWith(const std::string& text) const {
     std::vector<std::string> result;
-    for (const LogLine& line : log()) {
-        if (line.text.find(text) == std::string::npos) continue;
+    for (const LogLine& line : mLog.linesWith(text)) {
         EXPECT_EQ(debug(line.text), line);
         result.push_back(line.text);
     }
     return result;
 }
 
-std::string DumpsTest::lineWith(const std::string& text) const {
-    const std::vector<std::string> lines = linesWith(text);
-    EXPECT_EQ(1u, lines.size()) << "lines with " << text;
-    return lines.size() == 1 ? lines[0] : "";
+std::string DumpsTest::onlyDebugLineWith(const std::string& text) const {
+    const std::string line = onlyLineWith(text);
+    EXPECT_EQ(1u, mLog.count(ANDROID_LOG_DEBUG, text));
+    return line;
 }
 
 std::vector<std::string> DumpsTest::dumps() const {

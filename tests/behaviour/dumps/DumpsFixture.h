@@ -31,9 +31,9 @@ class DumpsTest : public LoggedFixture {
     void openSlow(const Stream& stream, const std::vector<Bytes>& chunks);
 
     // The texts of all debug lines that contain `text`; one of another priority is a failure.
-    std::vector<std::string> linesWith(const std::string& text) const;
+    std::vector<std::string> debugLinesWith(const std::string& text) const;
     // The only one of them; a failure of the test when there is none or another one.
-    std::string lineWith(const std::string& text) const;
+    std::string onlyDebugLineWith(const std::string& text) const;
     // Dumps of buffers, in order: what begins "[mime][0][V][", for example.
     std::vector<std::string> dumps() const;
     // The numbers of the samples that were dumped.

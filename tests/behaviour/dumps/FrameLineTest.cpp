@@ -17,7 +17,7 @@ class FrameLine : public DumpsTest {
     std::string lineOf(const Stream& stream, const Bytes& chunk) {
         openStream(stream, {chunk});
         readAll(0);
-        const std::vector<std::string> lines = linesWith("][0][0/1]");
+        const std::vector<std::string> lines = debugLinesWith("][0][0/1]");
         return lines.empty() ? "" : lines[0];
     }
 };
@@ -86,15 +86,15 @@ TEST_F(FrameLine, SamplesAreShownBeforeTheyAreConverted) {
 TEST_F(FrameLine, Vc1IsShownWithItsStartCode) {
     EXPECT_EQ(
         0u, lineOf(videoStream("WVC1", 320, 240, 25), {0xC5, 1, 2}).find("[video/wvc1][0][0/1]["));
-    EXPECT_THAT(linesWith("] 00 00 01 0D C5 01 02(0000010d"), SizeIs(1));
+    EXPECT_THAT(debugLinesWith("] 00 00 01 0D C5 01 02(0000010d"), SizeIs(1));
 }
 
 TEST_F(FrameLine, ThereIsNoneForAvcAndHevc) {
     for (const ChunkId code : {ChunkId("H264"), ChunkId("HEVC")}) {
         openStream(videoStream(code, 320, 240, 25), {{0, 0, 1, 0xB6, 0x10, 7, 8}});
         readAll(0);
-        EXPECT_THAT(linesWith("00 00 01 B6 10 07 08("), SizeIs(1));  // the dump
-        EXPECT_THAT(linesWith("VOP"), IsEmpty());
+        EXPECT_THAT(debugLinesWith("00 00 01 B6 10 07 08("), SizeIs(1));  // the dump
+        EXPECT_THAT(debugLinesWith("VOP"), IsEmpty());
     }
 }
 
@@ -102,8 +102,8 @@ TEST_F(FrameLine, ThereIsNoneForAvcAndHevc) {
 TEST_F(FrameLine, ThereIsOneAChunkOfMpegAudio) {
     openStream(mp3Bytes(), {joined(frames(3))});
     readAll(0);
-    EXPECT_THAT(linesWith("(SZ: 1251)"), SizeIs(1));
-    EXPECT_THAT(linesWith("(SZ: "), SizeIs(1));
+    EXPECT_THAT(debugLinesWith("(SZ: 1251)"), SizeIs(1));
+    EXPECT_THAT(debugLinesWith("(SZ: "), SizeIs(1));
 }
 
 }  // namespace

@@ -96,7 +96,7 @@ TEST_F(NalLog, UnitsAreToldOfWhileSamplesAreDumped) {
     const auto linesOfNext = [&] {
         mLog.clear();
         started.sample();
-        return linesWith(" LenOff ").size();
+        return debugLinesWith(" LenOff ").size();
     };
     for (size_t i = 0; i < 20; ++i)
         EXPECT_EQ(i < 2 || i >= 15 ? 1u : 0u, linesOfNext()) << i;
@@ -106,7 +106,7 @@ TEST_F(NalLog, VerboseLogTellsOfAllUnits) {
     setProperty(kVerboseLogProperty, "1");
     openStream(lengthPrefixedStream(4), std::vector<Bytes>(20, {0, 0, 0, 1, 0x41}));
     readAll(0);
-    EXPECT_THAT(linesWith(" LenOff "), SizeIs(20));
+    EXPECT_THAT(debugLinesWith(" LenOff "), SizeIs(20));
 }
 
 // Zeros behind prefixes of one byte are empty units. A cut one behind them is an error all the
@@ -141,7 +141,7 @@ TEST_F(NalLog, CutUnitsAreErrorsWhateverIsLogged) {
 TEST_F(NalLog, UnitsBehindStartCodesAreNotToldOf) {
     openStream(videoStream("H264", 320, 240, 25), {{0, 0, 0, 1, 0x41, 0x9A, 1}});
     readAll(0);
-    EXPECT_THAT(linesWith(" LenOff "), IsEmpty());
+    EXPECT_THAT(debugLinesWith(" LenOff "), IsEmpty());
 }
 
 }  // namespace

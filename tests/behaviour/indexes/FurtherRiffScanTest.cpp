@@ -28,7 +28,7 @@ AviFile unindexedSecondRiff() {
 TEST_F(FurtherRiffScan, RiffWithoutAnIndexIsScanned) {
     AviFile avi = unindexedSecondRiff();
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_THAT(log(), Contains(warning(announced())).Times(1));
     EXPECT_FALSE(scanned());
 }
@@ -44,7 +44,7 @@ TEST_F(FurtherRiffScan, NoRiffHasAnIndex) {
     AviFile avi = unindexedSecondRiff();
     avi.segment(0).index.copies = 0;
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_TRUE(scanned());
     EXPECT_THAT(log(), Contains(warning(announced())).Times(1));
 }
@@ -53,7 +53,7 @@ TEST_F(FurtherRiffScan, OnlyTheFirstRiffHasNoIndex) {
     AviFile avi = twoSegmentFile();
     avi.segment(0).index.copies = 0;
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_TRUE(scanned());
     EXPECT_EQ(0u, mLog.count("This riff doesn't have index."));
 }
@@ -72,7 +72,7 @@ TEST_F(FurtherRiffScan, FramesOfAnOpenDmlIndexCount) {
     avi.segment(0).index.copies = 0;
     avi.stream(0).openDml = OpenDml::kSuper;
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_EQ(1u, mLog.count("All frames have been indexed. No need to parse other riff(s)."));
     EXPECT_EQ(0u, mLog.count("This riff doesn't have index."));
 }
@@ -84,7 +84,7 @@ TEST_F(FurtherRiffScan, IndexedTrackThatFallsShortGetsNothingFromAScan) {
     avi.stream(0).openDml = OpenDml::kSuper;
     avi.stream(0).header.length = 6;
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_THAT(log(), Contains(Text("parseFirstRIFF(): Video track indexed frames 4 VS total "
                                      "frames 6")));
     EXPECT_THAT(log(), Contains(warning(announced())).Times(1));
@@ -97,7 +97,7 @@ TEST_F(FurtherRiffScan, AudioNeverKeepsFurtherRiffsFromBeingRead) {
     avi.addSegment().riffSize = kBeyondTheFile;
     avi.addChunk(0, patternBytes(44, 2));
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_EQ(1u, mLog.count("Not all frames have been indexed."));
 }
 
@@ -110,7 +110,7 @@ TEST_F(FurtherRiffScan, CompleteVideoLeavesTheRestOfTheAudioUnread) {
     avi.addSegment().riffSize = kBeyondTheFile;
     avi.addChunk(1, patternBytes(44, 2));
     openFile(avi.build());
-    EXPECT_EQ(1u, sampleBytes(1).size());
+    EXPECT_EQ(1u, readPayloads(1).size());
     EXPECT_EQ(1u, mLog.count("All frames have been indexed."));
 }
 
@@ -126,7 +126,7 @@ TEST_F(FurtherRiffScan, LimitsStartAnewInEveryRiff) {
         if (segment == 0) avi.addSegment().riffSize = kBeyondTheFile;
     }
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_EQ(0u, mLog.count("Unknown chunk num > 100"));
 }
 
@@ -135,7 +135,7 @@ TEST_F(FurtherRiffScan, EmptyMoviOfAFurtherRiffAddsNothing) {
     avi.stream(0).header.length = 9;
     avi.addSegment().riffSize = kBeyondTheFile;
     openFile(avi.build());
-    EXPECT_EQ(2u, sampleBytes(0).size());
+    EXPECT_EQ(2u, readPayloads(0).size());
     EXPECT_THAT(log(), Contains(warning(announced())).Times(1));
 }
 

@@ -34,8 +34,8 @@ TEST_F(IndexChoice, Idx1SuppliesAllTracksWhenOneHasNoIndex) {
     AviFile avi = halfIndexedFile();
     avi.segment().index.copies = 1;
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
+    EXPECT_EQ(avi.payloads(1), readPayloads(1));
     EXPECT_EQ(0u, mLog.count("we already have index"));
     EXPECT_FALSE(scanned());
 }
@@ -45,8 +45,8 @@ TEST_F(IndexChoice, Idx1TakesTheTablesOfIndexedTracksAway) {
     avi.segment().index.copies = 1;
     avi.segment().index.edit = [](std::vector<Idx1Entry>& entries) { entries[0].id = "77dc"; };
     openFile(avi.build());
-    const auto chunks = chunkBytes(avi, 0);
-    EXPECT_EQ(std::vector<Bytes>(chunks.begin() + 1, chunks.end()), sampleBytes(0));
+    const auto chunks = avi.payloads(0);
+    EXPECT_EQ(std::vector<Bytes>(chunks.begin() + 1, chunks.end()), readPayloads(0));
 }
 
 // Discarded samples leave their number of key frames behind.
@@ -61,14 +61,14 @@ TEST_F(IndexChoice, Idx1KeepsTheKeyFramesOfADiscardedTableInTheCount) {
 TEST_F(IndexChoice, ScanSuppliesTheTrackWithoutAnIndex) {
     AviFile avi = halfIndexedFile();
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_EQ(avi.payloads(1), readPayloads(1));
     EXPECT_TRUE(scanned());
 }
 
 TEST_F(IndexChoice, ScanAddsNothingToAnIndexedTrack) {
     AviFile avi = halfIndexedFile();
     openFile(avi.build());
-    EXPECT_EQ(std::vector<Bytes>(1, chunkBytes(avi, 0)[0]), sampleBytes(0));
+    EXPECT_EQ(std::vector<Bytes>(1, avi.payloads(0)[0]), readPayloads(0));
 }
 
 TEST_F(IndexChoice, ScanMendsOnlyWhatIsNotIndexed) {
@@ -76,8 +76,8 @@ TEST_F(IndexChoice, ScanMendsOnlyWhatIsNotIndexed) {
     avi.segment().index.copies = 0;
     avi.stream(0).openDml = OpenDml::kSuper;
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
+    EXPECT_EQ(avi.payloads(1), readPayloads(1));
     EXPECT_EQ(std::vector<bool>({true, false, true}), syncFlags(0));
 }
 
@@ -91,8 +91,8 @@ TEST_F(IndexChoice, ScanSuppliesWhatACutIdx1TookAway) {
     ASSERT_EQ(2u, countTracks());
     EXPECT_EQ(1u, mLog.count("Chunked file with wrong idx1("));
     EXPECT_TRUE(scanned());
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(1), readPayloads(1));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 // The mark shows that the stream list held a good index, whatever becomes of the table.
@@ -106,7 +106,7 @@ TEST_F(IndexChoice, MarkOfAnIndexStaysWhenItsTableGoes) {
         const Bytes file = avi.build();
         openFile(ByteWriter().bytes(file).cut(file.size() - cut).take());
         ASSERT_EQ(2u, countTracks());
-        EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+        EXPECT_EQ(avi.payloads(0), readPayloads(0));
         EXPECT_EQ(cut > 0, scanned());
         EXPECT_EQ(1u, mLog.count("    mINDXValid              1"));
         EXPECT_EQ(1u, mLog.count("    mINDXValid              0"));
@@ -124,8 +124,8 @@ TEST_F(IndexChoice, ScanOfAFurtherRiffAddsToATableOfIdx1) {
     openFile(avi.build());
     ASSERT_EQ(2u, countTracks());
     EXPECT_EQ(1u, mLog.count("This riff doesn't have index."));
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
+    EXPECT_EQ(avi.payloads(1), readPayloads(1));
 }
 
 TEST_F(IndexChoice, ScanSuppliesATableThatASecondIndexEmptied) {
@@ -136,9 +136,9 @@ TEST_F(IndexChoice, ScanSuppliesATableThatASecondIndexEmptied) {
     openFile(avi.build());
     ASSERT_EQ(2u, countTracks());
     EXPECT_TRUE(scanned());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_EQ(std::vector<bool>(3, true), syncFlags(0));  // the first index knew better
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_EQ(avi.payloads(1), readPayloads(1));
 }
 
 TEST_F(IndexChoice, SubtitlesWithoutAnIndexNeedIdx1) {
@@ -161,7 +161,7 @@ TEST_F(IndexChoice, FailedIndexOfOneStreamLeavesThatOfAnotherAlone) {
     avi.stream(1).edit = [](Chunk& strl) { strl.child("indx").payload[3] = 5; };
     openFile(avi.build());
     EXPECT_EQ(std::vector<bool>({true, false, true}), syncFlags(0));
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_EQ(avi.payloads(1), readPayloads(1));
     EXPECT_TRUE(scanned());
 }
 
@@ -179,8 +179,8 @@ TEST_F(IndexChoice, SamplesGoToTheStreamOfTheListAlsoWhenVideoComesSecond) {
         avi.stream(1).openDml = form;
         openFile(avi.build());
         ASSERT_EQ(2u, countTracks());
-        EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(0));
-        EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(1));
+        EXPECT_EQ(avi.payloads(1), readPayloads(0));
+        EXPECT_EQ(avi.payloads(0), readPayloads(1));
     }
 }
 
@@ -196,7 +196,7 @@ TEST_F(IndexChoice, IndexOfADroppedStreamGoesToNoOther) {
     avi.stream(1).openDml = OpenDml::kStandard;
     openFile(avi.build());
     ASSERT_EQ(1u, countTracks());
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(1), readPayloads(0));
 }
 
 TEST_F(IndexChoice, IndexMayComeBeforeOtherChunksOfTheStreamList) {
@@ -205,7 +205,7 @@ TEST_F(IndexChoice, IndexMayComeBeforeOtherChunksOfTheStreamList) {
     avi.stream(0).name = "Camera";
     avi.stream(0).edit = [](Chunk& strl) { strl.arrange({"strh", "strf", "indx", "strn"}); };
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 using IndexChoiceDeathTest = IndexChoice;
@@ -265,7 +265,7 @@ TEST_F(IndexChoice, IndexInFrontOfTheFormatThatFailsDoesNotAbort) {
         strl.child("indx").payload[3] = 2;
     };
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 TEST_F(IndexChoice, EmptySuperIndexInFrontOfTheFormatDoesNotAbort) {
@@ -286,7 +286,7 @@ TEST_F(IndexChoice, IndexInFrontOfTheStreamHeaderDropsTheStream) {
     };
     openFile(avi.build());
     ASSERT_EQ(1u, countTracks());
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(1), readPayloads(0));
 }
 
 }  // namespace

@@ -126,23 +126,23 @@ TEST_P(IndexFailure, IsLoggedWithItsCode) {
     for (const char* code : {kIoError, kMalformed, kUnsupported}) {
         SCOPED_TRACE(code);
         EXPECT_EQ(GetParam().inSuper == code ? 1u : 0u,
-                  countOf(ANDROID_LOG_ERROR, failureOf("parseINDX", code)));
+                  mLog.count(ANDROID_LOG_ERROR, failureOf("parseINDX", code)));
         EXPECT_EQ(GetParam().inStandard == code ? 1u : 0u,
-                  countOf(ANDROID_LOG_ERROR, failureOf("parseChunkIndex", code)));
+                  mLog.count(ANDROID_LOG_ERROR, failureOf("parseChunkIndex", code)));
     }
 }
 
 TEST_P(IndexFailure, LeavesTheSamplesToIdx1) {
     mMade.avi.segment().index.copies = 1;
     open(mMade);
-    EXPECT_EQ(mMade.chunks(), sampleBytes(0));
+    EXPECT_EQ(mMade.chunks(), readPayloads(0));
     EXPECT_EQ(0u, mLog.count("we already have index"));
     EXPECT_FALSE(scanned());
 }
 
 TEST_P(IndexFailure, LeavesTheSamplesToAScan) {
     open(mMade);
-    EXPECT_EQ(mMade.chunks(), sampleBytes(0));
+    EXPECT_EQ(mMade.chunks(), readPayloads(0));
     EXPECT_TRUE(scanned());
 }
 
@@ -162,9 +162,9 @@ TEST_F(IndexDamage, IndexInTheStreamListMayFailItself) {
             index[isField ? 2 : 4] += 1;  // a sub-type of 1, or an entry too many
         };
         openFile(avi.build());
-        EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+        EXPECT_EQ(avi.payloads(0), readPayloads(0));
         EXPECT_TRUE(scanned());
-        EXPECT_EQ(1u, countOf(ANDROID_LOG_ERROR, failureOf("parseChunkIndex", kMalformed)));
+        EXPECT_EQ(1u, mLog.count(ANDROID_LOG_ERROR, failureOf("parseChunkIndex", kMalformed)));
         EXPECT_EQ(0u, mLog.count("parseINDX(): error"));
     }
 }
@@ -176,9 +176,9 @@ TEST_F(IndexDamage, ChunkShorterThanTheHeaderFails) {
         AviFile avi = unindexedFile(3);
         avi.stream(0).edit = [size](Chunk& strl) { strl.add(Chunk("indx", Bytes(size))); };
         openFile(avi.build());
-        EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+        EXPECT_EQ(avi.payloads(0), readPayloads(0));
         EXPECT_TRUE(scanned());
-        EXPECT_EQ(1u, countOf(ANDROID_LOG_ERROR, failureOf("parseINDX", kMalformed)));
+        EXPECT_EQ(1u, mLog.count(ANDROID_LOG_ERROR, failureOf("parseINDX", kMalformed)));
     }
 }
 
@@ -240,11 +240,11 @@ TEST_F(IndexDamage, ReadThatFailsInALaterBatchIsToldWithTheFirstEntrysPlace) {
     source.inject(Fault::shortRead(100).onOffsets(static_cast<off64_t>(entries + 4096),
                                                   static_cast<off64_t>(entries + 4800)));
     openSource(source);
-    EXPECT_EQ(made.chunks(), sampleBytes(0));
+    EXPECT_EQ(made.chunks(), readPayloads(0));
     EXPECT_THAT(log(),
                 Contains(error(format("parseChunkIndex(): Failed to read chunk entry at %llu",
                                       number(entries)))));
-    EXPECT_EQ(1u, countOf(ANDROID_LOG_ERROR, failureOf("parseINDX", kIoError)));
+    EXPECT_EQ(1u, mLog.count(ANDROID_LOG_ERROR, failureOf("parseINDX", kIoError)));
     EXPECT_EQ(0u, mLog.count("parseChunkIndex(): error -"));
     EXPECT_TRUE(scanned());
 }
@@ -256,7 +256,7 @@ TEST_F(IndexDamage, FailedReadReturnsAnErrorCodeAsWellAsTooLittle) {
     FaultySource& source = mSources.emplace_back(mMemory.emplace_back(made.bytes()));
     source.inject(Fault::error(-EIO).onOffsets(data + 24, data + 48));
     openSource(source);
-    EXPECT_EQ(made.chunks(), sampleBytes(0));
+    EXPECT_EQ(made.chunks(), readPayloads(0));
     EXPECT_EQ(1u, mLog.count("parseChunkIndex(): Failed to read chunk entry at "));
 }
 
@@ -279,8 +279,8 @@ TEST_F(IndexDamage, SecondIndexThatFailsLeavesTheStreamToIdx1) {
     openFile(avi.build());
     ASSERT_EQ(2u, countTracks());
     EXPECT_EQ(0u, mLog.count("we already have index, ignore idx1!"));
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
+    EXPECT_EQ(avi.payloads(1), readPayloads(1));
     EXPECT_FALSE(scanned());
 }
 
@@ -291,7 +291,7 @@ TEST_F(IndexDamage, IndexAfterOneThatFailsFillsTheTable) {
     avi.stream(1).openDml = OpenDml::kStandard;
     avi.stream(0).edit = [](Chunk& strl) { strl.insert(2, Chunk("indx", Bytes(20))); };
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_EQ(std::vector<bool>({true, false, true}), syncFlags(0));
     EXPECT_FALSE(scanned());
 }

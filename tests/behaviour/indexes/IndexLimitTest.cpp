@@ -33,7 +33,7 @@ class IndexLimit : public IndexesFixture {
   protected:
     size_t samplesOf(size_t track) { return readRun(track).samples.size(); }
 
-    size_t warnings() const { return countOf(ANDROID_LOG_WARN, "drop the rest"); }
+    size_t warnings() const { return mLog.count(ANDROID_LOG_WARN, "drop the rest"); }
 };
 
 // An index of indexes all of whose entries name the same standard index of `frames` frames.
@@ -50,7 +50,7 @@ TEST_F(IndexLimit, SameIndexMayBeNamedTwice) {
     const std::vector<Bytes> once = made.chunks();
     std::vector<Bytes> twice = once;
     twice.insert(twice.end(), once.begin(), once.end());
-    EXPECT_EQ(twice, sampleBytes(0));
+    EXPECT_EQ(twice, readPayloads(0));
     EXPECT_EQ(0u, warnings());
 }
 
@@ -69,7 +69,7 @@ TEST_F(IndexLimit, WhatFitsIsKeptInOrder) {
     const IndexedFile made = repeatedIndex(50, 1000);
     openFile(made.bytes());
     const auto chunks = made.chunks();
-    const auto samples = sampleBytes(0);
+    const auto samples = readPayloads(0);
     ASSERT_LE(chunks.size(), samples.size());
     for (size_t i = 0; i < samples.size(); ++i)
         ASSERT_EQ(chunks[i % chunks.size()], samples[i]) << i;
@@ -207,7 +207,7 @@ TEST_F(IndexLimit, EntriesThatOnlyTheClaimedSizeHoldsFailAtTheFilesEnd) {
     const Bytes file = made.bytes();
     openFile(file);
     ASSERT_EQ(1u, countTracks());
-    EXPECT_EQ(made.chunks(), sampleBytes(0));
+    EXPECT_EQ(made.chunks(), readPayloads(0));
     EXPECT_TRUE(scanned());
     expectBounded(file);
 }
@@ -230,9 +230,9 @@ TEST_F(IndexLimit, SuperIndexesOfTwoStreamsThatNameEachOtherFail) {
     point("indx0", "indx1");
     point("indx1", "indx0");
     openFile(file);
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
-    EXPECT_EQ(2u, countOf(ANDROID_LOG_ERROR, failureOf("parseINDX", kMalformed)));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
+    EXPECT_EQ(avi.payloads(1), readPayloads(1));
+    EXPECT_EQ(2u, mLog.count(ANDROID_LOG_ERROR, failureOf("parseINDX", kMalformed)));
     expectBounded(file);
 }
 

@@ -97,10 +97,10 @@ TEST_F(IndexLog, EndOfAnIndexTellsTheTablesLastEntries) {
         const std::string text = format(
             "[%s] sample[%zu] (baseOff %llX/%llX, size %zu, sync 1]) @line", mime.c_str(), last + 1,
             base, number(chunks[last].place.dataOffset), chunks[last].data().size());
-        EXPECT_EQ(1u, countOf(ANDROID_LOG_DEBUG, text)) << text;
+        EXPECT_EQ(1u, mLog.count(ANDROID_LOG_DEBUG, text)) << text;
     }
-    EXPECT_EQ(1u, countOf(ANDROID_LOG_DEBUG, "end parseChunkIndex() (2 samples added) @"));
-    EXPECT_EQ(1u, countOf(ANDROID_LOG_DEBUG, "end parseChunkIndex() (1 samples added) @"));
+    EXPECT_EQ(1u, mLog.count(ANDROID_LOG_DEBUG, "end parseChunkIndex() (2 samples added) @"));
+    EXPECT_EQ(1u, mLog.count(ANDROID_LOG_DEBUG, "end parseChunkIndex() (1 samples added) @"));
 }
 
 TEST_F(IndexLog, EndOfAnEmptyIndexTellsZeros) {
@@ -110,9 +110,9 @@ TEST_F(IndexLog, EndOfAnEmptyIndexTellsZeros) {
     openFile(mMade.bytes());
     const std::string mime = mimeOf(0);
     EXPECT_EQ(1u,
-              countOf(ANDROID_LOG_DEBUG,
-                      "[" + mime + "] sample[0] (baseOff 123456789A/0, size 0, sync 0]) @line"));
-    EXPECT_EQ(1u, countOf(ANDROID_LOG_DEBUG, "end parseChunkIndex() (0 samples added) @"));
+              mLog.count(ANDROID_LOG_DEBUG,
+                         "[" + mime + "] sample[0] (baseOff 123456789A/0, size 0, sync 0]) @line"));
+    EXPECT_EQ(1u, mLog.count(ANDROID_LOG_DEBUG, "end parseChunkIndex() (0 samples added) @"));
 }
 
 TEST_F(IndexLog, EndOfAnAudioIndexShowsTheLastSizeAndNoKeyFlag) {
@@ -122,8 +122,8 @@ TEST_F(IndexLog, EndOfAnAudioIndexShowsTheLastSizeAndNoKeyFlag) {
     avi.stream(1).openDml = OpenDml::kStandard;
     openFile(avi.build());
     const std::string mime = mimeOf(1);
-    EXPECT_EQ(1u, countOf(ANDROID_LOG_DEBUG, "[" + mime + "] sample[2] (baseOff "));
-    EXPECT_EQ(1u, countOf(ANDROID_LOG_DEBUG, ", size 48, sync 0]) @line"));
+    EXPECT_EQ(1u, mLog.count(ANDROID_LOG_DEBUG, "[" + mime + "] sample[2] (baseOff "));
+    EXPECT_EQ(1u, mLog.count(ANDROID_LOG_DEBUG, ", size 48, sync 0]) @line"));
 }
 
 TEST_F(IndexLog, ExtractLogPrintsTheHeaders) {
@@ -151,7 +151,8 @@ TEST_F(IndexLog, ExtractLogPrintsBytesAndFieldsOfTheEntries) {
     mMade.super.entries[1] = {0x1122334455667788, 0xFFFFFFFE, 10};
     openFile(mMade.bytes());
     countTracks();
-    EXPECT_EQ(1u, countOf(ANDROID_LOG_VERBOSE, "88 77 66 55 44 33 22 11 FE FF FF FF 0A 00 00 00"));
+    EXPECT_EQ(1u,
+              mLog.count(ANDROID_LOG_VERBOSE, "88 77 66 55 44 33 22 11 FE FF FF FF 0A 00 00 00"));
     EXPECT_THAT(log(),
                 Contains(verbose("aviSuperIndexEntry[1] duration 10, size 4294967294, offset "
                                  "1122334455667788")));

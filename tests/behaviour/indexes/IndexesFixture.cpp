@@ -20,10 +20,6 @@ constexpr size_t kStandardEntryBytes = 8;
 
 }  // namespace
 
-std::string failureOf(const std::string& function, const std::string& code) {
-    return function + "(): error -" + code + " @line";
-}
-
 AviFile unindexedFile(size_t frames) {
     AviFile avi = videoFile(frames);
     avi.segment().index.copies = 0;
@@ -71,13 +67,6 @@ Bytes IndexedFile::bytes() const {
     for (size_t i = 0; i < parts.size(); ++i)
         overwrite(file, partPlace(i), parts[i].toBytes());
     return file;
-}
-
-size_t IndexesFixture::countOf(int priority, const std::string& text) const {
-    const std::vector<LogLine> lines = mLog.lines();
-    return static_cast<size_t>(std::count_if(lines.begin(), lines.end(), [&](const LogLine& line) {
-        return line.priority == priority && line.text.find(text) != std::string::npos;
-    }));
 }
 
 std::string IndexesFixture::sampleCountLine(size_t count) const {

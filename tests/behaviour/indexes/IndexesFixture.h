@@ -18,9 +18,6 @@ constexpr char kIoError[] = "3EC";
 constexpr char kMalformed[] = "3EF";
 constexpr char kUnsupported[] = "3F2";
 
-// "parseINDX(): error -3EF @line", whatever the line.
-std::string failureOf(const std::string& function, const std::string& code);
-
 // A video stream (number 0) of these chunk sizes, without idx1 and without OpenDML indexes: nothing
 // tells where the chunks are but the chunks themselves.
 AviFile unindexedFile(size_t frames = 3);
@@ -43,17 +40,15 @@ struct IndexedFile {
     // Where the super index (or what a test puts there), and the standard index number i lie.
     ChunkPlace superPlace() const { return avi.place("indx"); }
     ChunkPlace partPlace(size_t i) const { return avi.place("part" + std::to_string(i)); }
-    std::vector<Bytes> chunks() const { return chunkBytes(avi, 0); }
+    std::vector<Bytes> chunks() const { return avi.payloads(0); }
 
   private:
     std::vector<size_t> mFrames;
     Bytes mFile;
 };
 
-class IndexesFixture : public OpeningFixture {
+class IndexesFixture : public LoggedFixture {
   protected:
-    // Lines of exactly this priority that contain the text.
-    size_t countOf(int priority, const std::string& text) const;
     // Entries of the only track's table, empty chunks included, from the log.
     std::string sampleCountLine(size_t count) const;
     // Whether the movi list was scanned for want of an index.

@@ -97,7 +97,7 @@ TEST_F(LargeFiles, IndexesReachBeyond4GiB) {
         FarSegment file(far);
         file.write();
         openSource(file.source());
-        EXPECT_EQ(file.frames(), sampleBytes(0));
+        EXPECT_EQ(file.frames(), readPayloads(0));
         EXPECT_FALSE(scanned());
     }
 }
@@ -106,7 +106,7 @@ TEST_F(LargeFiles, BaseMayBeFarFromTheChunks) {
     FarSegment file(3 * kFourGiB + 0x90000000);
     file.write(0x80000000);
     openSource(file.source());
-    EXPECT_EQ(file.frames(), sampleBytes(0));
+    EXPECT_EQ(file.frames(), readPayloads(0));
 }
 
 TEST_F(LargeFiles, SparseFileOnDiskIsReadLikeAnyOther) {
@@ -117,7 +117,7 @@ TEST_F(LargeFiles, SparseFileOnDiskIsReadLikeAnyOther) {
     file.source().writeTo(path);
     android::service::FileSource source(path);
     openSource(source);
-    EXPECT_EQ(file.frames(), sampleBytes(0));
+    EXPECT_EQ(file.frames(), readPayloads(0));
     openFile(unindexedFile().build());  // lets go of the source
 }
 
@@ -137,7 +137,7 @@ TEST_F(LargeFiles, LowWordOfTheBaseWrapsWithoutCarryAbove4GiB) {
     const Bytes frame = patternBytes(16, 5);
     source.put(0x100000100, frame);
     openSource(source);
-    EXPECT_THAT(sampleBytes(0), ElementsAre(frame));
+    EXPECT_THAT(readPayloads(0), ElementsAre(frame));
 }
 
 // A file of `size` bytes that begins with headers and an open movi list of 4 GiB. Returns where the
@@ -163,7 +163,7 @@ TEST_F(LargeFiles, ScannedChunkJustBelow4GiBIsFound) {
     source.put(position, headerOf("00dc", frame.size()));
     source.put(position + 8, frame);
     openSource(source);
-    EXPECT_THAT(sampleBytes(0), ElementsAre(frame));
+    EXPECT_THAT(readPayloads(0), ElementsAre(frame));
 }
 
 // Scanned positions are 32 bits wide: what lies behind 4 GiB is taken for the file's beginning.
@@ -177,7 +177,7 @@ TEST_F(LargeFiles, ScannedChunkBeyond4GiBWrapsToTheFilesBeginning) {
     Bytes wrapped(16);
     source.readAt(48, wrapped.data(), wrapped.size());
     openSource(source);
-    EXPECT_THAT(sampleBytes(0), ElementsAre(wrapped));
+    EXPECT_THAT(readPayloads(0), ElementsAre(wrapped));
 }
 
 // The size of a further RIFF is also the position where its walk ends, and 32 bits wide.
@@ -197,7 +197,7 @@ TEST_F(LargeFiles, FurtherRiffBeyond4GiBIsNotWalked) {
     riff.declare(0xFFFFFFF0);
     source.put(far, riff.toBytes());
     openSource(source);
-    EXPECT_THAT(sampleBytes(0), ElementsAre(avi.chunks(0)[0].data()));
+    EXPECT_THAT(readPayloads(0), ElementsAre(avi.chunks(0)[0].data()));
     EXPECT_EQ(1u, mLog.count("Not all frames have been indexed. Need parse more riff(s)."));
     EXPECT_EQ(1u, mLog.count("readMetaData(): RIFF1 size "));
     EXPECT_EQ(0u, mLog.count("This riff doesn't have index."));

@@ -25,7 +25,7 @@ class MoviScanEnd : public IndexesFixture {
     // Opens the file, of which only `whole` chunks are samples and what is behind them is not.
     void expectIncompleteBehind(size_t whole, Bytes file) {
         openFile(std::move(file));
-        EXPECT_EQ(whole, sampleBytes(0).size());
+        EXPECT_EQ(whole, readPayloads(0).size());
         EXPECT_EQ(1u, mLog.count("skip last incomplete chunk/list at "));
     }
 
@@ -54,7 +54,7 @@ TEST_F(MoviScanEnd, CutChunkIsLeftOut) {
         SCOPED_TRACE(kept);
         mLog.clear();
         openCut(file, last.dataOffset + kept);
-        EXPECT_EQ(2u, sampleBytes(0).size());
+        EXPECT_EQ(2u, readPayloads(0).size());
         EXPECT_THAT(log(),
                     Contains(Text(incomplete(last.headerOffset, last.dataOffset + last.dataSize))));
     }
@@ -63,7 +63,7 @@ TEST_F(MoviScanEnd, CutChunkIsLeftOut) {
 TEST_F(MoviScanEnd, ChunkThatJustFitsIsTaken) {
     AviFile avi = unindexedFile(3);
     openFile(avi.build());
-    EXPECT_EQ(3u, sampleBytes(0).size());
+    EXPECT_EQ(3u, readPayloads(0).size());
     EXPECT_EQ(0u, mLog.count("incomplete"));
 }
 
@@ -83,7 +83,7 @@ TEST_F(MoviScanEnd, CutHeaderIsUnreadable) {
         SCOPED_TRACE(kept);
         mLog.clear();
         openCut(file, header + kept);
-        EXPECT_EQ(2u, sampleBytes(0).size());
+        EXPECT_EQ(2u, readPayloads(0).size());
         EXPECT_THAT(log(), Contains(Text(format("parseMOVIMore(): Failed to read header at %llu, "
                                                 "stop parsing",
                                                 number(header)))));
@@ -95,7 +95,7 @@ TEST_F(MoviScanEnd, ChunkOfLessThan4BytesAtTheFilesEndIsUnreadable) {
     AviFile avi = unindexedFile(2);
     avi.addChunk(0, patternBytes(2, 4));
     openFile(avi.build());
-    EXPECT_EQ(2u, sampleBytes(0).size());
+    EXPECT_EQ(2u, readPayloads(0).size());
     EXPECT_EQ(1u, mLog.count("Failed to read header at "));
 }
 
@@ -103,7 +103,7 @@ TEST_F(MoviScanEnd, EightLastBytesWithASizeOf0EndTheScanQuietly) {
     AviFile avi = unindexedFile(2);
     avi.addChunk(0, {});
     openFile(avi.build());
-    EXPECT_EQ(2u, sampleBytes(0).size());
+    EXPECT_EQ(2u, readPayloads(0).size());
     EXPECT_EQ(1u, mLog.count(sampleCountLine(2)));
     EXPECT_EQ(0u, mLog.count("Failed to read header"));
     EXPECT_EQ(0u, mLog.count("incomplete"));
@@ -144,7 +144,7 @@ TEST_F(MoviScanEnd, EndOfAnIncompleteChunkDoesNotWrap) {
             AviFile avi = unindexedFile(2);
             avi.addLooseChunk(Chunk(id, bytesOf("rec ")).declare(size).marked("cut"));
             openFile(avi.build());
-            EXPECT_EQ(2u, sampleBytes(0).size());
+            EXPECT_EQ(2u, readPayloads(0).size());
             const uint64_t from = avi.place("cut").headerOffset;
             const uint64_t padded = uint64_t{size} + size % 2;
             EXPECT_THAT(log(), Contains(Text(incomplete(from, from + 8 + padded))));
@@ -173,14 +173,14 @@ TEST_F(MoviScanEnd, OddListSizeIsMadeEven) {
         movi.declare(size);
     };
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 TEST_F(MoviScanEnd, ChunksBehindTheListAreNotSamples) {
     AviFile avi = unindexedFile(2);
     avi.segment().afterMovi = {Chunk("00dc", patternBytes(30, 3))};
     openFile(avi.build());
-    EXPECT_EQ(2u, sampleBytes(0).size());
+    EXPECT_EQ(2u, readPayloads(0).size());
 }
 
 // A recorder that lost power has left the list's size at 0.
@@ -189,7 +189,7 @@ TEST_F(MoviScanEnd, ListOfSize0GoesOnToTheEndOfTheFile) {
     avi.segment().riffSize = 0x10000000;
     avi.segment().edit = [](Chunk& riff) { riff.child("movi").declare(0); };
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 TEST_F(MoviScanEnd, EveryCutOfAFileKeepsTheWholeChunks) {
@@ -235,8 +235,8 @@ TEST_F(RecordLists, ChunksOfAllStreamsAreFound) {
     avi.endGroup();
     avi.addChunk(0, patternBytes(33, 8));
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
+    EXPECT_EQ(avi.payloads(1), readPayloads(1));
     EXPECT_EQ(0u, mLog.count("unknown list"));
 }
 
@@ -245,7 +245,7 @@ TEST_F(RecordLists, EmptyOneIsPassed) {
     avi.addLooseChunk(Chunk::list("rec "));
     avi.addChunk(0, patternBytes(33, 8));
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 TEST_F(RecordLists, ChunkThatOverrunsItsListEndsTheList) {
@@ -256,8 +256,8 @@ TEST_F(RecordLists, ChunkThatOverrunsItsListEndsTheList) {
     avi.endGroup();
     avi.addChunk(0, patternBytes(24, 3));
     openFile(avi.build());
-    const auto chunks = chunkBytes(avi, 0);
-    EXPECT_THAT(sampleBytes(0), ElementsAre(chunks[0], chunks[1], chunks[3]));
+    const auto chunks = avi.payloads(0);
+    EXPECT_THAT(readPayloads(0), ElementsAre(chunks[0], chunks[1], chunks[3]));
     EXPECT_EQ(0u, mLog.count("incomplete"));
 }
 
@@ -272,7 +272,7 @@ TEST_F(RecordLists, ListsWithinAreUnknownChunks) {
     const Chunk inner = Chunk::list("rec ", {Chunk("00dc", patternBytes(20, 1))});
     avi.addLooseChunk(Chunk::list("rec ", {inner, Chunk("00dc", patternBytes(26, 2))}));
     openFile(avi.build());
-    EXPECT_THAT(sampleBytes(0), ElementsAre(avi.chunks(0)[0].data(), patternBytes(26, 2)));
+    EXPECT_THAT(readPayloads(0), ElementsAre(avi.chunks(0)[0].data(), patternBytes(26, 2)));
 }
 
 TEST_F(RecordLists, UnreadableHeaderEndsTheListOnly) {

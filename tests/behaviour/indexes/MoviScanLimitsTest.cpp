@@ -32,8 +32,8 @@ class MoviScanLimits : public IndexesFixture {
     // The number of frames that a scan finds; each is the next of those that were added.
     size_t scannedFrames() {
         openFile(mAvi.build());
-        const auto chunks = chunkBytes(mAvi, 0);
-        const auto samples = sampleBytes(0);
+        const auto chunks = mAvi.payloads(0);
+        const auto samples = readPayloads(0);
         EXPECT_LE(samples.size(), chunks.size());
         EXPECT_TRUE(std::equal(samples.begin(), samples.end(), chunks.begin()));
         return samples.size();
@@ -113,8 +113,8 @@ TEST_F(MoviScanLimits, TheHundredthUnknownChunkWithinARecordListEndsTheListOnly)
     mAvi.endGroup();
     mAvi.addChunk(0, patternBytes(44, 5));
     openFile(mAvi.build());
-    const auto chunks = chunkBytes(mAvi, 0);
-    EXPECT_THAT(sampleBytes(0), ElementsAre(chunks[0], chunks[1], chunks[3]));
+    const auto chunks = mAvi.payloads(0);
+    EXPECT_THAT(readPayloads(0), ElementsAre(chunks[0], chunks[1], chunks[3]));
     EXPECT_THAT(log(), Contains(Text(std::string(kUnknownLimit))).Times(1));
 }
 
@@ -154,7 +154,7 @@ TEST_F(MoviScanLimits, TheThousandthEmptyHeaderStopsTheScan) {
     addEmptyHeaders(1000);
     addFrame();
     EXPECT_EQ(1u, scannedFrames());
-    EXPECT_EQ(1u, countOf(ANDROID_LOG_ERROR, failureOf("parseDataChunk", kUnsupported)));
+    EXPECT_EQ(1u, mLog.count(ANDROID_LOG_ERROR, failureOf("parseDataChunk", kUnsupported)));
     EXPECT_THAT(log(),
                 Contains(Text(std::string("parseMOVIMore(): Failed to parseDataChunk()! err = "
                                           "-1010")))
@@ -180,7 +180,7 @@ TEST_F(MoviScanLimits, AnyOtherHeaderEndsARowOfEmptyOnes) {
         addEmptyHeaders(999);
         addFrame();
         openFile(mAvi.build());
-        EXPECT_EQ(chunkBytes(mAvi, 0), sampleBytes(0));
+        EXPECT_EQ(mAvi.payloads(0), readPayloads(0));
     }
 }
 
@@ -210,9 +210,9 @@ TEST_F(MoviScanLimits, AThousandEmptyHeadersWithinARecordListEndTheListOnly) {
     mAvi.endGroup();
     mAvi.addChunk(0, patternBytes(44, 5));
     openFile(mAvi.build());
-    const auto chunks = chunkBytes(mAvi, 0);
-    EXPECT_THAT(sampleBytes(0), ElementsAre(chunks[0], chunks[2]));
-    EXPECT_EQ(1u, countOf(ANDROID_LOG_ERROR, failureOf("parseDataChunk", kUnsupported)));
+    const auto chunks = mAvi.payloads(0);
+    EXPECT_THAT(readPayloads(0), ElementsAre(chunks[0], chunks[2]));
+    EXPECT_EQ(1u, mLog.count(ANDROID_LOG_ERROR, failureOf("parseDataChunk", kUnsupported)));
     EXPECT_EQ(0u, mLog.count("Failed to parseDataChunk()!"));
 }
 

@@ -23,8 +23,8 @@ TEST_F(MoviScan, SuppliesAllTracks) {
     AviFile avi = unindexedTwoStreamFile();
     openFile(avi.build());
     ASSERT_EQ(2u, countTracks());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
+    EXPECT_EQ(avi.payloads(1), readPayloads(1));
 }
 
 TEST_F(MoviScan, IsAnnouncedByTwoWarnings) {
@@ -69,7 +69,7 @@ TEST_F(MoviScan, TakesUncompressedFramesToo) {
     avi.stream(0).chunkType = "db";
     avi.addChunk(0, patternBytes(22, 1));
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 // The number decides, not the letters: writers confuse them.
@@ -78,7 +78,7 @@ TEST_F(MoviScan, LettersDoNotHaveToFitTheStream) {
     avi.stream(0).chunkType = "wb";
     avi.addChunk(0, patternBytes(27, 8));
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 TEST_F(MoviScan, ChunksAreOnEvenPositions) {
@@ -86,7 +86,7 @@ TEST_F(MoviScan, ChunksAreOnEvenPositions) {
     for (uint32_t size : {1, 3, 2, 255})
         avi.addChunk(0, patternBytes(size, size));
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 TEST_F(MoviScan, EmptyVideoChunkIsADroppedFrame) {
@@ -106,7 +106,7 @@ TEST_F(MoviScan, ChunkOfAStreamThatDoesNotExistIsDropped) {
         avi.addLooseChunk(Chunk(ChunkId::of(id), patternBytes(10)));
     avi.addChunk(0, patternBytes(21, 3));
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_EQ(0u, mLog.count("Skip chunk at pos"));
 }
 
@@ -115,7 +115,7 @@ TEST_F(MoviScan, PaletteChangesAreNotSupported) {
     avi.addLooseChunk(Chunk("00pc", patternBytes(10)));
     avi.addChunk(0, patternBytes(21, 3));
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_THAT(log(), Contains(Text("parseDataChunk(): NOT support chunk " + idText("00pc"))));
     EXPECT_EQ(0u, mLog.count("Skip chunk at pos"));
 }
@@ -126,7 +126,7 @@ TEST_F(MoviScan, OtherChunksAreSkipped) {
         avi.addLooseChunk(Chunk(ChunkId::of(id), patternBytes(11)));
     avi.addChunk(0, patternBytes(21, 3));
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 TEST_F(MoviScan, UnknownListsAreSkippedWhole) {
@@ -134,7 +134,7 @@ TEST_F(MoviScan, UnknownListsAreSkippedWhole) {
     avi.addLooseChunk(Chunk::list("abcd", {Chunk("00dc", patternBytes(12))}));
     avi.addChunk(0, patternBytes(21, 3));
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_THAT(log(), Contains(Text("parseMOVIMore(): unknown list " + idText("abcd"))));
 }
 
@@ -185,7 +185,7 @@ TEST_F(MoviScan, TracksWithoutChunksAreBadOnes) {
     openFile(avi.build());
     ASSERT_EQ(2u, countTracks());
     EXPECT_EQ("audio/x-unknown", mimeOf(1));
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 TEST_F(MoviScan, IsNotDoneWhenIdx1WasReadInVain) {
@@ -205,7 +205,7 @@ TEST_F(MoviScan, LastMoviListIsTheOneThatIsScanned) {
         riff.add(Chunk("JUNK", Bytes(8)));
     };
     openFile(avi.build());
-    EXPECT_THAT(sampleBytes(0), ElementsAre(patternBytes(50, 9)));
+    EXPECT_THAT(readPayloads(0), ElementsAre(patternBytes(50, 9)));
 }
 
 }  // namespace

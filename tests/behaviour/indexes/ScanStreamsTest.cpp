@@ -22,9 +22,9 @@ TEST_F(ScanStreams, VideoComesFirstAlsoWhenItsStreamDoesNot) {
     avi.segment().index.copies = 0;
     openFile(avi.build());
     ASSERT_EQ(3u, countTracks());
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(0));
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(1));
-    EXPECT_EQ(chunkBytes(avi, 2), sampleBytes(2));
+    EXPECT_EQ(avi.payloads(1), readPayloads(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(1));
+    EXPECT_EQ(avi.payloads(2), readPayloads(2));
 }
 
 TEST_F(ScanStreams, DroppedStreamInFrontKeepsItsNumber) {
@@ -41,8 +41,8 @@ TEST_F(ScanStreams, DroppedStreamInFrontKeepsItsNumber) {
     avi.segment().index.copies = 0;
     openFile(avi.build());
     ASSERT_EQ(2u, countTracks());
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(0));
-    EXPECT_EQ(chunkBytes(avi, 2), sampleBytes(1));
+    EXPECT_EQ(avi.payloads(1), readPayloads(0));
+    EXPECT_EQ(avi.payloads(2), readPayloads(1));
 }
 
 TEST_F(ScanStreams, DroppedStreamAtTheEndLosesItsChunksOnly) {
@@ -54,8 +54,8 @@ TEST_F(ScanStreams, DroppedStreamAtTheEndLosesItsChunksOnly) {
     avi.segment().index.copies = 0;
     openFile(avi.build());
     ASSERT_EQ(2u, countTracks());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
+    EXPECT_EQ(avi.payloads(1), readPayloads(1));
 }
 
 // One video stream, the others audio, two chunks each, interleaved.
@@ -78,9 +78,9 @@ class ManyStreams : public IndexesFixture, public ::testing::WithParamInterface<
         const size_t count = GetParam();
         openFile(avi.build());
         ASSERT_EQ(count, countTracks());
-        EXPECT_EQ(chunkBytes(avi, count - 1), sampleBytes(0));
+        EXPECT_EQ(avi.payloads(count - 1), readPayloads(0));
         for (size_t stream = 0; stream + 1 < count; ++stream)
-            EXPECT_EQ(chunkBytes(avi, stream), sampleBytes(stream + 1)) << stream;
+            EXPECT_EQ(avi.payloads(stream), readPayloads(stream + 1)) << stream;
     }
 };
 

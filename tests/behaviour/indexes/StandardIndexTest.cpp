@@ -26,8 +26,8 @@ TEST_F(StandardIndexes, MayBeTheIndexOfTheStreamListItself) {
     avi.stream(0).openDml = OpenDml::kStandard;
     avi.stream(1).openDml = OpenDml::kStandard;
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
+    EXPECT_EQ(avi.payloads(1), readPayloads(1));
     EXPECT_FALSE(scanned());
 }
 
@@ -37,8 +37,8 @@ TEST_F(StandardIndexes, BothFormsMayBeMixedInOneFile) {
     avi.stream(0).openDml = OpenDml::kStandard;
     avi.stream(1).openDml = OpenDml::kSuper;
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
+    EXPECT_EQ(avi.payloads(1), readPayloads(1));
 }
 
 TEST_F(StandardIndexes, Bit31OfTheSizeMarksWhatIsNoKeyFrame) {
@@ -50,7 +50,7 @@ TEST_F(StandardIndexes, Bit31OfTheSizeMarksWhatIsNoKeyFrame) {
     avi.addChunk(0, patternBytes(4096, 1), kNoFlags);
     avi.addChunk(0, patternBytes(50, 2), kKey);
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_THAT(syncFlags(0), ElementsAre(true, false, true));
 }
 
@@ -80,7 +80,7 @@ TEST_F(StandardIndexes, OffsetsAreOfTheDataNotOfTheHeader) {
     made.parts[0].header.baseOffset = 0;
     made.parts[0].entries[0] = {100, 16};
     openFile(made.bytes());
-    EXPECT_THAT(sampleBytes(0), ElementsAre(part(made.bytes(), 100, 16)));
+    EXPECT_THAT(readPayloads(0), ElementsAre(part(made.bytes(), 100, 16)));
 }
 
 TEST_F(StandardIndexes, LowWordOfTheBaseWrapsWithoutCarry) {
@@ -89,7 +89,7 @@ TEST_F(StandardIndexes, LowWordOfTheBaseWrapsWithoutCarry) {
     made.parts[0].header.baseOffset = 0xFFFFFF00;
     made.parts[0].entries[0] = {0x200, 16};
     openFile(made.bytes());
-    EXPECT_THAT(sampleBytes(0), ElementsAre(part(made.bytes(), 0x100, 16)));
+    EXPECT_THAT(readPayloads(0), ElementsAre(part(made.bytes(), 0x100, 16)));
 }
 
 TEST_F(StandardIndexes, EmptyVideoEntryBehindTheFirstSampleIsADroppedFrame) {
@@ -133,7 +133,7 @@ TEST_F(StandardIndexes, WithoutEntriesAddNothing) {
     made.parts[1].header.entriesInUse = 0;
     openFile(made.bytes());
     const auto chunks = made.chunks();
-    EXPECT_THAT(sampleBytes(0), ElementsAre(chunks[0], chunks[1], chunks[3]));
+    EXPECT_THAT(readPayloads(0), ElementsAre(chunks[0], chunks[1], chunks[3]));
 }
 
 TEST_F(StandardIndexes, EntriesBehindTheCountAreNotRead) {
@@ -142,7 +142,7 @@ TEST_F(StandardIndexes, EntriesBehindTheCountAreNotRead) {
     made.parts[0].header.entriesInUse = 2;
     openFile(made.bytes());
     const auto chunks = made.chunks();
-    EXPECT_THAT(sampleBytes(0), ElementsAre(chunks[0], chunks[1]));
+    EXPECT_THAT(readPayloads(0), ElementsAre(chunks[0], chunks[1]));
 }
 
 // Sizes of the reads that an index of so many entries takes, behind its header.
@@ -187,7 +187,7 @@ TEST_F(StandardIndexes, LongOnesKeepTheOrderAcrossBatches) {
         avi.addChunk(0, patternBytes(4 + i % 7, i));
     avi.stream(0).openDml = OpenDml::kStandard;
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 TEST_F(StandardIndexes, AudioTakesNoKeyFlags) {
@@ -198,7 +198,7 @@ TEST_F(StandardIndexes, AudioTakesNoKeyFlags) {
     const auto audio = static_cast<size_t>(1);
     avi.addChunk(audio, patternBytes(44, 9), kNoFlags);
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, audio), sampleBytes(audio));
+    EXPECT_EQ(avi.payloads(audio), readPayloads(audio));
     EXPECT_THAT(syncFlags(audio), ElementsAre(true, true, true));
 }
 
@@ -210,8 +210,8 @@ TEST_F(StandardIndexes, EmptyAudioEntriesAreLeftOut) {
     avi.addChunk(1, {});
     avi.addChunk(1, patternBytes(12, 5));
     openFile(avi.build());
-    const auto chunks = chunkBytes(avi, 1);
-    EXPECT_THAT(sampleBytes(1), ElementsAre(chunks[0], chunks[1], chunks[3]));
+    const auto chunks = avi.payloads(1);
+    EXPECT_THAT(readPayloads(1), ElementsAre(chunks[0], chunks[1], chunks[3]));
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ TEST_F(SuperIndexes, SamplesOfAllStandardIndexesComeInTheirOrder) {
     IndexedFile made({3, 2});
     made.layOut();
     openFile(made.bytes());
-    EXPECT_EQ(made.chunks(), sampleBytes(0));
+    EXPECT_EQ(made.chunks(), readPayloads(0));
     EXPECT_FALSE(scanned());
 }
 
@@ -26,7 +26,7 @@ TEST_F(SuperIndexes, OrderIsThatOfTheEntriesNotOfTheFile) {
     std::swap(made.super.entries[0], made.super.entries[2]);
     openFile(made.bytes());
     const auto chunks = made.chunks();
-    EXPECT_THAT(sampleBytes(0), ElementsAre(chunks[2], chunks[1], chunks[0]));
+    EXPECT_THAT(readPayloads(0), ElementsAre(chunks[2], chunks[1], chunks[0]));
 }
 
 TEST_F(SuperIndexes, MakeAnIdx1Needless) {
@@ -35,7 +35,7 @@ TEST_F(SuperIndexes, MakeAnIdx1Needless) {
     made.avi.segment().index.edit = [](std::vector<Idx1Entry>& entries) { entries.resize(1); };
     made.layOut();
     openFile(made.bytes());
-    EXPECT_EQ(made.chunks(), sampleBytes(0));
+    EXPECT_EQ(made.chunks(), readPayloads(0));
     EXPECT_THAT(
         log(), Contains(warning("parseFirstRIFF(): we already have index, ignore idx1!")).Times(1));
 }
@@ -46,7 +46,7 @@ TEST_F(SuperIndexes, OneThatIsMarkedNotInUseBehindTheLastEntryIsNotRead) {
     made.super.header.entriesInUse = 1;
     openFile(made.bytes());
     const auto chunks = made.chunks();
-    EXPECT_THAT(sampleBytes(0), ElementsAre(chunks[0], chunks[1]));
+    EXPECT_THAT(readPayloads(0), ElementsAre(chunks[0], chunks[1]));
 }
 
 TEST_F(SuperIndexes, WithoutEntriesMakeAnEmptyTableThatCounts) {
@@ -68,7 +68,7 @@ TEST_F(SuperIndexes, ReservedWordsAreAddedToTheOffsets) {
     for (SuperIndex::Entry& entry : made.super.entries)
         entry.offset -= 16;
     openFile(made.bytes());
-    EXPECT_EQ(made.chunks(), sampleBytes(0));
+    EXPECT_EQ(made.chunks(), readPayloads(0));
 }
 
 TEST_F(SuperIndexes, PositionsAreFormedModulo64Bits) {
@@ -78,7 +78,7 @@ TEST_F(SuperIndexes, PositionsAreFormedModulo64Bits) {
     for (SuperIndex::Entry& entry : made.super.entries)
         entry.offset += 0x100;
     openFile(made.bytes());
-    EXPECT_EQ(made.chunks(), sampleBytes(0));
+    EXPECT_EQ(made.chunks(), readPayloads(0));
 }
 
 TEST_F(SuperIndexes, EntrySizeMayCountTheChunkHeader) {
@@ -87,7 +87,7 @@ TEST_F(SuperIndexes, EntrySizeMayCountTheChunkHeader) {
     for (SuperIndex::Entry& entry : made.super.entries)
         entry.size += 8;
     openFile(made.bytes());
-    EXPECT_EQ(made.chunks(), sampleBytes(0));
+    EXPECT_EQ(made.chunks(), readPayloads(0));
 }
 
 TEST_F(SuperIndexes, EntryWidthIdsAndReservedWordsOfTheIndexesAreNotLookedAt) {
@@ -102,7 +102,7 @@ TEST_F(SuperIndexes, EntryWidthIdsAndReservedWordsOfTheIndexesAreNotLookedAt) {
     made.parts[1].header.chunkId = "55wb";
     made.parts[1].header.reserved3 = 9;
     openFile(made.bytes());
-    EXPECT_EQ(made.chunks(), sampleBytes(0));
+    EXPECT_EQ(made.chunks(), readPayloads(0));
 }
 
 TEST_F(SuperIndexes, WhatTheyPointAtNeedsNoChunkIdOfItsOwn) {
@@ -111,7 +111,7 @@ TEST_F(SuperIndexes, WhatTheyPointAtNeedsNoChunkIdOfItsOwn) {
     Bytes file = made.bytes();
     std::fill_n(file.begin() + static_cast<ptrdiff_t>(made.partPlace(0).headerOffset), 4, 'Z');
     openFile(file);
-    EXPECT_EQ(made.chunks(), sampleBytes(0));
+    EXPECT_EQ(made.chunks(), readPayloads(0));
 }
 
 TEST_F(SuperIndexes, EachStreamHasItsOwn) {
@@ -121,8 +121,8 @@ TEST_F(SuperIndexes, EachStreamHasItsOwn) {
     avi.stream(1).openDml = OpenDml::kSuper;
     openFile(avi.build());
     ASSERT_EQ(2u, countTracks());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
+    EXPECT_EQ(avi.payloads(1), readPayloads(1));
     EXPECT_FALSE(scanned());
 }
 
@@ -138,8 +138,8 @@ TEST_F(SuperIndexes, ReachTheChunksOfFurtherRiffs) {
         avi.addChunk(0, patternBytes(37, 30 * segment), kNoFlags);
     }
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
+    EXPECT_EQ(avi.payloads(1), readPayloads(1));
     EXPECT_THAT(log(), Contains(debug("parseFirstRIFF(): All frames have been indexed. No need to "
                                       "parse other riff(s).")));
 }
@@ -149,8 +149,8 @@ TEST_F(SuperIndexes, SecondOneOfAStreamAddsToTheTable) {
     avi.stream(0).openDml = OpenDml::kSuper;
     avi.stream(0).edit = [](Chunk& strl) { strl.add(strl.child("indx")); };
     openFile(avi.build());
-    const auto chunks = chunkBytes(avi, 0);
-    EXPECT_THAT(sampleBytes(0), ElementsAre(chunks[0], chunks[1], chunks[0], chunks[1]));
+    const auto chunks = avi.payloads(0);
+    EXPECT_THAT(readPayloads(0), ElementsAre(chunks[0], chunks[1], chunks[0], chunks[1]));
 }
 
 // Entries are read one at a time: their header and theirs alone.
@@ -185,7 +185,7 @@ class IndexBehindTheEnd : public IndexesFixture {
 TEST_F(IndexBehindTheEnd, IsSkippedAndTheFirstOneKept) {
     openWithSecondAt(0x7FFFFFFF);
     const auto chunks = mMade.chunks();
-    EXPECT_THAT(sampleBytes(0), ElementsAre(chunks[0], chunks[1]));
+    EXPECT_THAT(readPayloads(0), ElementsAre(chunks[0], chunks[1]));
     EXPECT_FALSE(scanned());
 }
 
@@ -204,7 +204,7 @@ TEST_F(IndexBehindTheEnd, MayLieAnywhereBeyondTheFile) {
         SCOPED_TRACE(offset);
         mLog.clear();
         openWithSecondAt(offset);
-        EXPECT_EQ(2u, sampleBytes(0).size());
+        EXPECT_EQ(2u, readPayloads(0).size());
         EXPECT_EQ(1u, mLog.count("parseChunkIndex() to the file end~! pos "));
         EXPECT_EQ(0u, mLog.count("error -"));
     }
@@ -214,7 +214,7 @@ TEST_F(IndexBehindTheEnd, IsOneWhoseHeaderDoesNotFit) {
     mMade.layOut();
     const uint64_t size = mMade.bytes().size();
     openWithSecondAt(size - 8 - 23);
-    EXPECT_EQ(2u, sampleBytes(0).size());
+    EXPECT_EQ(2u, readPayloads(0).size());
     EXPECT_EQ(1u, mLog.count("parseChunkIndex() to the file end~!"));
 }
 
@@ -225,7 +225,7 @@ TEST_F(IndexBehindTheEnd, IsNotOneWhoseHeaderJustFits) {
     const uint64_t size = mMade.bytes().size();
     mMade.super.entries[1] = {size - 24 - 8, 24, 0};
     openFile(mMade.bytes());
-    EXPECT_EQ(2u, sampleBytes(0).size());
+    EXPECT_EQ(2u, readPayloads(0).size());
     EXPECT_EQ(0u, mLog.count("to the file end~!"));
     EXPECT_EQ(0u, mLog.count("parseChunkIndex(): error"));
 }
@@ -236,7 +236,7 @@ TEST_F(IndexBehindTheEnd, DoesNotEndTheSuperIndex) {
     made.super.entries[1].offset = 1U << 30;
     openFile(made.bytes());
     const auto chunks = made.chunks();
-    EXPECT_THAT(sampleBytes(0), ElementsAre(chunks[0], chunks[2]));
+    EXPECT_THAT(readPayloads(0), ElementsAre(chunks[0], chunks[2]));
 }
 
 }  // namespace

@@ -118,7 +118,7 @@ TEST_F(BlockMode, TimesBlocksByTheStreamsUnit) {
     const int64_t durationUs = int64_t{5} * 1152 * 1000000 / 44100;
     EXPECT_EQ(trackFormat(0).getInt64(AMEDIAFORMAT_KEY_DURATION), durationUs);
     const int64_t first = 2 * kFrameUs;
-    EXPECT_EQ(timesOfSamples(readAll(0)),
+    EXPECT_EQ(timesOf(readAll(0)),
               (std::vector<int64_t>{kFrameUs, first, first + kBlockUs, first + 2 * kBlockUs,
                                     first + 2 * kBlockUs + kFrameUs}));
 }

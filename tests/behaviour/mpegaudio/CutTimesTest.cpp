@@ -18,13 +18,13 @@ class CutTimes : public MpegAudioTest {
         std::vector<int64_t> times;
         for (const ModelRead& read : CuttingModel(model, chunks).readAll())
             times.push_back(read.timeUs);
-        EXPECT_EQ(timesOfSamples(readAll(0)), times);
+        EXPECT_EQ(timesOf(readAll(0)), times);
     }
 };
 
 TEST_F(CutTimes, OfAChunkRunOnWithTheFrames) {
     openStream(mp3Bytes(), {joined(frames(4))});
-    EXPECT_EQ(timesOfSamples(readAll(0)),
+    EXPECT_EQ(timesOf(readAll(0)),
               (std::vector<int64_t>{kFrameUs, 2 * kFrameUs, 3 * kFrameUs, 4 * kFrameUs}));
 }
 
@@ -32,33 +32,32 @@ TEST_F(CutTimes, FollowTheBitRateOfEachFrame) {
     openStream(mp3Bytes(), {joined({frameOf(0xFFFB1000, 104), frameOf(0xFFFBE000, 1044),
                                     frameOf(0xFFFB9200, 418), frame()})});
     // 104 * 8000 / 32, 1044 * 8000 / 320, 418 * 8000 / 128, 417 * 8000 / 128
-    EXPECT_EQ(timesOfSamples(readAll(0)),
+    EXPECT_EQ(timesOf(readAll(0)),
               (std::vector<int64_t>{26000, 26000 + 26100, 52100 + 26125, 78225 + 26062}));
 }
 
 TEST_F(CutTimes, AreNeverBeforeTheChunk) {
     openStream(mp3Bytes(4000), {joined(frames(2)), frame(2), frame(3)});
-    EXPECT_EQ(timesOfSamples(readAll(0)),
-              (std::vector<int64_t>{kFrameUs, 2 * kFrameUs, 208500, 312750}));
+    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{kFrameUs, 2 * kFrameUs, 208500, 312750}));
 }
 
 TEST_F(CutTimes, RunAheadOfChunksThatAreTooEarly) {
     openStream(mp3Bytes(64000), {joined(frames(2)), frame(2), frame(3)});
-    EXPECT_EQ(timesOfSamples(readAll(0)),
+    EXPECT_EQ(timesOf(readAll(0)),
               (std::vector<int64_t>{kFrameUs, 2 * kFrameUs, 3 * kFrameUs, 4 * kFrameUs}));
 }
 
 // Unlike a whole one it begins where the one before ended, so that two in a row have one time.
 TEST_F(CutTimes, OfASplitFrameIsThatOfItsBeginning) {
     openStream(mp3Bytes(64000), split(joined(frames(4)), {2 * kFrameSize + 100}));
-    EXPECT_EQ(timesOfSamples(readAll(0)),
+    EXPECT_EQ(timesOf(readAll(0)),
               (std::vector<int64_t>{kFrameUs, 2 * kFrameUs, 2 * kFrameUs, 4 * kFrameUs}));
 }
 
 TEST_F(CutTimes, OfASplitFrameIsThatOfALaterChunk) {
     openStream(mp3Bytes(4000), split(joined(frames(4)), {2 * kFrameSize, 100}));
     // The second chunk begins at 208500 us, the third at 233500 us.
-    EXPECT_EQ(timesOfSamples(readAll(0)),
+    EXPECT_EQ(timesOf(readAll(0)),
               (std::vector<int64_t>{kFrameUs, 2 * kFrameUs, 208500, 208500 + 2 * kFrameUs}));
 }
 
@@ -67,9 +66,8 @@ TEST_F(CutTimes, OfAStreamOfChunksShareTheDuration) {
     stream.header.length = 1000;  // much longer than the frames
     const int64_t durationUs = int64_t{1000} * 1152 * 1000000 / 44100;
     openStream(stream, frames(4));
-    EXPECT_EQ(
-        timesOfSamples(readAll(0)),
-        (std::vector<int64_t>{kFrameUs, durationUs / 4, durationUs * 2 / 4, durationUs * 3 / 4}));
+    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{kFrameUs, durationUs / 4,
+                                                         durationUs * 2 / 4, durationUs * 3 / 4}));
 }
 
 TEST_F(CutTimes, OfManyPackingsAreThoseOfTheModel) {

@@ -88,7 +88,7 @@ TEST_F(FrameCutting, Mpeg2LayerThreeIsTimedByItsChunksAndIsSync) {
                                        frameOf(0xFFF38000, 208, 3)};
     openStream(mp3Bytes(8000), chunks);
     const std::vector<Sample> samples = readAll(0);
-    EXPECT_EQ(timesOfSamples(samples), (std::vector<int64_t>{0, 26000, 52125}));
+    EXPECT_EQ(timesOf(samples), (std::vector<int64_t>{0, 26000, 52125}));
     for (const Sample& sample : samples)
         EXPECT_TRUE(sample.sync);
 }
@@ -159,7 +159,7 @@ TEST_F(FrameCutting, TracksWithoutAHeaderAreNotCut) {
     avi.addChunk(audio, noise(3, 2));
     openFile(avi.build());
     EXPECT_EQ(trackFormat(1).getString(AMEDIAFORMAT_KEY_MIME), "audio/x-unknown");
-    EXPECT_EQ(bytesOfSamples(readAll(1)), (std::vector<Bytes>{noise(900, 1), noise(3, 2)}));
+    EXPECT_EQ(readPayloads(1), (std::vector<Bytes>{noise(900, 1), noise(3, 2)}));
 }
 
 }  // namespace

@@ -39,12 +39,10 @@ Stream mp3Frames(uint16_t tag = 0x55);
 
 class MpegAudioTest : public ReadingTest {
   protected:
-    // The frames of the first track, to its end.
-    std::vector<Bytes> readFrames() { return bytesOfSamples(readAll(0)); }
     // The frames of a file that one stream with these chunks makes.
     std::vector<Bytes> framesOf(const Stream& stream, const std::vector<Bytes>& chunks) {
         openStream(stream, chunks);
-        return readFrames();
+        return readPayloads(0);
     }
 };
 

@@ -97,17 +97,14 @@ class Damage : public ::testing::Test {
   private:
     static std::vector<Bytes> readSome(Track& track) {
         constexpr size_t kMoreThanThereAre = 4;
-        std::vector<Bytes> result;
-        for (Sample& sample : readTrack(track, {}, kMoreThanThereAre).samples)
-            result.push_back(std::move(sample.bytes));
-        return result;
+        return payloadsOf(readTrack(track, {}, kMoreThanThereAre).samples);
     }
 };
 
 TEST_F(Damage, UndamagedFileGivesEverything) {
     ASSERT_EQ(2u, mWhole.tracks);
-    EXPECT_EQ(chunkBytes(mAvi, 0), mWhole.samples[kVideo]);
-    EXPECT_EQ(chunkBytes(mAvi, 1), mWhole.samples[kAudio]);
+    EXPECT_EQ(mAvi.payloads(0), mWhole.samples[kVideo]);
+    EXPECT_EQ(mAvi.payloads(1), mWhole.samples[kAudio]);
 }
 
 TEST_F(Damage, EachTruncatedPrefixGivesAPart) {

@@ -10,7 +10,7 @@ namespace {
 using ::testing::Contains;
 using ::testing::Not;
 
-class Finish : public OpeningFixture {
+class Finish : public LoggedFixture {
   protected:
     std::optional<std::string> mime(size_t track) {
         return trackFormat(track).getString(AMEDIAFORMAT_KEY_MIME);

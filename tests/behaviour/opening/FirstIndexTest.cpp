@@ -10,13 +10,13 @@ namespace {
 using android::service::Fault;
 using ::testing::Contains;
 
-class FirstIndex : public OpeningFixture {};
+class FirstIndex : public LoggedFixture {};
 
 TEST_F(FirstIndex, FillsTheTables) {
     AviFile avi = twoStreamFile();
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
-    EXPECT_EQ(chunkBytes(avi, 1), sampleBytes(1));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
+    EXPECT_EQ(avi.payloads(1), readPayloads(1));
 }
 
 TEST_F(FirstIndex, IsLoggedWhileTheExtractLogIsOn) {
@@ -38,7 +38,7 @@ TEST_F(FirstIndex, SecondOneIsSkipped) {
     avi.segment().index.copies = 2;
     setProperty(kExtractLogProperty, "1");
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_THAT(log(), Contains(warning("parseFirstRIFF(): skip multiple idx1!")).Times(1));
     EXPECT_THAT(log(), Contains(verbose("parseFirstRIFF(): found idx, idx1Found: 1")).Times(1));
 }
@@ -47,7 +47,7 @@ TEST_F(FirstIndex, EachFurtherOneIsSkipped) {
     AviFile avi = twoStreamFile();
     avi.segment().index.copies = 4;
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_EQ(3u, mLog.count("parseFirstRIFF(): skip multiple idx1!"));
 }
 
@@ -66,7 +66,7 @@ TEST_F(FirstIndex, IgnoredOneDoesNotCountAsTheFirst) {
     avi.segment().edit = [](Chunk& riff) { std::swap(riff.children[0], riff.children[2]); };
     const Bytes file = avi.build();  // idx1, movi, hdrl, idx1
     openFile(file);
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_EQ(0u, mLog.count("skip multiple idx1!"));
 }
 

@@ -11,7 +11,7 @@ using android::service::Fault;
 using ::testing::Contains;
 using ::testing::Not;
 
-class FirstRiffChunks : public OpeningFixture {};
+class FirstRiffChunks : public LoggedFixture {};
 
 TEST_F(FirstRiffChunks, RiffHeaderIsLogged) {
     setProperty(kExtractLogProperty, "1");
@@ -44,7 +44,7 @@ TEST_F(FirstRiffChunks, JunkIsSkippedEverywhere) {
         *place = {Chunk("JUNK", Bytes(7)), Chunk("JUNK"), Chunk("JUNK", Bytes(16))};
     }
     openVerbosely(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_EQ(0u, mLog.count("unknown chunk"));
 }
 
@@ -52,14 +52,14 @@ TEST_F(FirstRiffChunks, ChunkBehindAnOddOneStartsAfterThePadByte) {
     AviFile avi = videoFile();
     avi.segment().beforeMovi = {Chunk("STRY", Bytes(3))};
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 TEST_F(FirstRiffChunks, SizeAndPadAreAddedIn32Bits) {
     AviFile avi = videoFile();
     avi.segment().beforeMovi = {Chunk("STRY").declare(0xFFFFFFFF)};
     openVerbosely(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_EQ(1u, mLog.count("list.size: 0xFFFFFFFF, 0x0"));
 }
 
@@ -67,7 +67,7 @@ TEST_F(FirstRiffChunks, ChunkBeyondTheEndOfTheFileEndsTheWalk) {
     AviFile avi = videoFile();
     avi.segment().afterIndex = {Chunk("STRY", Bytes(4)).declare(0xFFFFFFFE)};
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 TEST_F(FirstRiffChunks, UnknownListIsSkippedWithAWarning) {
@@ -90,7 +90,7 @@ TEST_F(FirstRiffChunks, ListTypesOutsideAListAreUnknownChunks) {
     AviFile avi = videoFile();
     avi.segment().beforeMovi = {Chunk("movi", Bytes(4)), Chunk("hdrl", Bytes(4))};
     openVerbosely(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_THAT(log(), Contains(verbose("parseFirstRIFF(): unknown chunk " + idText("movi"))));
     EXPECT_THAT(log(), Contains(verbose("parseFirstRIFF(): unknown chunk " + idText("hdrl"))));
 }
@@ -99,7 +99,7 @@ TEST_F(FirstRiffChunks, BrokenInfoListIsIgnored) {
     AviFile avi = videoFile();
     avi.segment().beforeMovi = {Chunk::list("INFO", {Chunk("INAM", Bytes(2)).declare(0x7FFFFFFF)})};
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 TEST_F(FirstRiffChunks, InfoListIsNoUnknownList) {
@@ -159,7 +159,7 @@ TEST_F(FirstRiffChunks, MoviInFrontOfTheHeadersIsFound) {
     AviFile avi = videoFile();
     avi.segment().edit = [](Chunk& riff) { riff.arrange({"movi", "hdrl", "idx1"}); };
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 TEST_F(FirstRiffChunks, ErrorOfTheHeaderListEndsTheParse) {

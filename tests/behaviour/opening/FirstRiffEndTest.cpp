@@ -15,7 +15,7 @@ using ::testing::Not;
 
 constexpr char kStray[] = "unknown chunk 0x59525453:STRY";
 
-class FirstRiffEnd : public OpeningFixture {
+class FirstRiffEnd : public LoggedFixture {
   protected:
     bool saysChunked() const { return mLog.count("file seems to be chunked") != 0; }
 };
@@ -218,7 +218,7 @@ TEST_F(FirstRiffEnd, FileCutInTheMiddleOfMoviParses) {
         log(), Contains(warning(format("parseFirstRIFF(): file seems to be chunked (%zu + 8) > %zu",
                                        whole.size() - 8, cut))));
     const std::vector<Bytes> expected = {chunks[0].data(), chunks[1].data()};
-    EXPECT_EQ(expected, sampleBytes(0));
+    EXPECT_EQ(expected, readPayloads(0));
 }
 
 }  // namespace

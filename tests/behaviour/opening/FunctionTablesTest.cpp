@@ -31,7 +31,7 @@ struct TableDeleter {
 using ExtractorTable = std::unique_ptr<CMediaExtractor, TableDeleter>;
 using TrackTable = std::unique_ptr<CMediaTrack, TableDeleter>;
 
-class FunctionTables : public OpeningFixture {
+class FunctionTables : public LoggedFixture {
   protected:
     FunctionTables() : mAvi(twoStreamFile()), mContent(mAvi.build()), mPlain(mContent) {
         float confidence = 0;

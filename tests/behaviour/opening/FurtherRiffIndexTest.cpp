@@ -10,7 +10,7 @@ namespace {
 using android::service::Fault;
 using ::testing::Contains;
 
-class FurtherRiffIndex : public OpeningFixture {};
+class FurtherRiffIndex : public LoggedFixture {};
 
 TEST_F(FurtherRiffIndex, IsKnownByFourNames) {
     for (const ChunkId id : {ChunkId("idx1"), ChunkId("idx2"), ChunkId("idx3"), ChunkId("idx4")}) {
@@ -18,7 +18,7 @@ TEST_F(FurtherRiffIndex, IsKnownByFourNames) {
         AviFile avi = twoSegmentFile();
         avi.segment(1).index.id = id;
         openFile(avi.build());
-        EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+        EXPECT_EQ(avi.payloads(0), readPayloads(0));
     }
 }
 
@@ -53,14 +53,14 @@ TEST_F(FurtherRiffIndex, IsNotLoggedByTheVerboseLog) {
 TEST_F(FurtherRiffIndex, OffsetsAreRelativeToItsOwnMovi) {
     AviFile avi = twoSegmentFile();
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 TEST_F(FurtherRiffIndex, OffsetsMayBeAbsolute) {
     AviFile avi = twoSegmentFile();
     avi.segment(1).index.offsets = IndexOffsets::kAbsolute;
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 TEST_F(FurtherRiffIndex, PlaceOfItsMoviIsLogged) {
@@ -77,7 +77,7 @@ TEST_F(FurtherRiffIndex, PlaceOfItsMoviIsLogged) {
 TEST_F(FurtherRiffIndex, SamplesOfTheFirstRiffStay) {
     AviFile avi = twoSegmentFile();
     openFile(avi.build());
-    const auto samples = sampleBytes(0);
+    const auto samples = readPayloads(0);
     ASSERT_EQ(4u, samples.size());
     EXPECT_EQ(avi.chunks(0)[0].data(), samples[0]);
     EXPECT_EQ(avi.chunks(0)[2].data(), samples[2]);
@@ -88,7 +88,7 @@ TEST_F(FurtherRiffIndex, OneInFrontOfMoviIsNotRead) {
     avi.segment(1).edit = [](Chunk& riff) { riff.arrange({"idx2", "movi"}); };
     setProperty(kExtractLogProperty, "1");
     openFile(avi.build());
-    EXPECT_EQ(2u, sampleBytes(0).size());
+    EXPECT_EQ(2u, readPayloads(0).size());
     EXPECT_EQ(1u, mLog.count("parseMoreRIFF(): found idx2"));
 }
 
@@ -105,7 +105,7 @@ TEST_F(FurtherRiffIndex, OneAfterMoviIsReadDespiteOneBeforeIt) {
     avi.segment(1).edit = [](Chunk& riff) { riff.insert(0, Chunk("idx1", Bytes(16))); };
     setProperty(kExtractLogProperty, "1");
     openFile(avi.build());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_EQ(2u, mLog.count("parseMoreRIFF(): found idx2"));
     EXPECT_EQ(2u, mLog.count("parseIDX1(): end (2 samples added)..."));  // one of each RIFF
     EXPECT_EQ(0u, mLog.count("This riff doesn't have index."));
@@ -116,10 +116,10 @@ TEST_F(FurtherRiffIndex, EachOneBehindMoviIsRead) {
     avi.segment(1).index.copies = 2;
     avi.segment(1).index.tail = Bytes(4);
     openFile(avi.build());
-    const auto chunks = chunkBytes(avi, 0);
+    const auto chunks = avi.payloads(0);
     const std::vector<Bytes> expected = {chunks[0], chunks[1], chunks[2],
                                          chunks[3], chunks[2], chunks[3]};
-    EXPECT_EQ(expected, sampleBytes(0));
+    EXPECT_EQ(expected, readPayloads(0));
     EXPECT_EQ(0u, mLog.count("Ignore multiple index!"));
 }
 
@@ -131,7 +131,7 @@ TEST_F(FurtherRiffIndex, ErrorEndsTheRiffAndIsIgnored) {
     setProperty(kVerboseLogProperty, "1");
     openCounted(file).inject(Fault::error(-EIO).onOffsets(data + 4, data + 5));
     EXPECT_EQ(1u, countTracks());
-    EXPECT_EQ(2u, sampleBytes(0).size());
+    EXPECT_EQ(2u, readPayloads(0).size());
     EXPECT_EQ(1u, mLog.count("parseIDX1(): error -3EC"));
     EXPECT_EQ(0u, mLog.count("unknown chunk"));
 }
@@ -139,7 +139,7 @@ TEST_F(FurtherRiffIndex, ErrorEndsTheRiffAndIsIgnored) {
 TEST_F(FurtherRiffIndex, IsReadAlthoughTheFirstRiffHadOne) {
     AviFile avi = twoSegmentFile();
     openFile(avi.build());
-    EXPECT_EQ(4u, sampleBytes(0).size());
+    EXPECT_EQ(4u, readPayloads(0).size());
     EXPECT_EQ(0u, mLog.count("Ignore multiple index!"));
 }
 

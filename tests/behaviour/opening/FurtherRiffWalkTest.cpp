@@ -18,16 +18,16 @@ using ::testing::Not;
 
 constexpr char kStop[] = "parseMoreRIFF(): Unknown chunk num > 50, stop scaning!";
 
-class FurtherRiffWalk : public OpeningFixture {
+class FurtherRiffWalk : public LoggedFixture {
   protected:
     // The file opens, and the second RIFF brought nothing.
     void expectFirstRiffAlone() {
         EXPECT_EQ(1u, countTracks());
-        EXPECT_EQ(2u, sampleBytes(0).size());
+        EXPECT_EQ(2u, readPayloads(0).size());
     }
     void expectBothRiffs() {
         EXPECT_EQ(1u, countTracks());
-        EXPECT_EQ(4u, sampleBytes(0).size());
+        EXPECT_EQ(4u, readPayloads(0).size());
     }
 };
 

@@ -15,7 +15,7 @@ constexpr char kEnough[] =
 constexpr char kNotEnough[] =
     "parseFirstRIFF(): Not all frames have been indexed. Need parse more riff(s).";
 
-class FurtherRiffsDecision : public OpeningFixture {
+class FurtherRiffsDecision : public LoggedFixture {
   protected:
     // Opens and parses the file; how many reads touched the second RIFF or what lies behind it.
     size_t readsOfSecondRiff(AviFile avi) {
@@ -43,7 +43,7 @@ TEST_F(FurtherRiffsDecision, CompleteVideoLeavesThemAlone) {
     EXPECT_EQ(1u, mLog.count(kEnough));
     EXPECT_EQ(0u, mLog.count(kNotEnough));
     EXPECT_EQ(0u, mLog.count("VS total frames"));
-    EXPECT_EQ(2u, sampleBytes(0).size());
+    EXPECT_EQ(2u, readPayloads(0).size());
 }
 
 TEST_F(FurtherRiffsDecision, MoreFramesThanAnnouncedAreComplete) {
@@ -60,7 +60,7 @@ TEST_F(FurtherRiffsDecision, VideoShortOfFramesNeedsThem) {
     EXPECT_EQ(0u, mLog.count(kEnough));
     EXPECT_THAT(
         log(), Contains(debug("parseFirstRIFF(): Video track indexed frames 2 VS total frames 4")));
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 TEST_F(FurtherRiffsDecision, VideoShortByOneFrameNeedsThem) {
@@ -81,7 +81,7 @@ TEST_F(FurtherRiffsDecision, AudioAloneAlwaysNeedsThem) {
     EXPECT_LT(1u, readsOfSecondRiff(avi));
     EXPECT_EQ(1u, mLog.count(kNotEnough));
     EXPECT_EQ(0u, mLog.count("VS total frames"));
-    EXPECT_EQ(chunkBytes(avi, audio), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(audio), readPayloads(0));
 }
 
 TEST_F(FurtherRiffsDecision, IncompleteAudioBesideCompleteVideoDoesNotCount) {
@@ -145,7 +145,7 @@ TEST_F(FurtherRiffsDecision, AllOfThemAreReadInFileOrder) {
                   format("parseMoreRIFF() end @%zX(%zu)", avi.build().size(), avi.build().size())}),
               ends);
     // Of the second only its place is looked at: its walk ends below its beginning.
-    EXPECT_EQ(3u, sampleBytes(0).size());
+    EXPECT_EQ(3u, readPayloads(0).size());
 }
 
 }  // namespace

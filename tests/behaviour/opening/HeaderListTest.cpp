@@ -10,7 +10,7 @@ namespace {
 using android::service::Fault;
 using ::testing::Contains;
 
-class HeaderList : public OpeningFixture {
+class HeaderList : public LoggedFixture {
   protected:
     void expectMalformed() {
         EXPECT_EQ(0u, countTracks());
@@ -238,7 +238,7 @@ TEST_F(HeaderListAtTheEnd, ZerosAfterTheDeclaredStreamsDoNoHarm) {
     file.resize(cut + 8);
     openFile(file);
     EXPECT_EQ(1u, countTracks());
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));  // by a scan: the index came first
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));  // by a scan: the index came first
 }
 
 TEST_F(HeaderListAtTheEnd, EightBytesWithASizeAreAnIoError) {
@@ -285,7 +285,7 @@ TEST_F(SecondHeaderList, CountsItsStreamsFromZero) {
     openFile(avi.build());
     ASSERT_EQ(2u, countTracks());
     EXPECT_THAT(log(), Contains(verbose("Dump Track[0]:")).Times(2));
-    EXPECT_EQ(chunkBytes(avi, 0), sampleBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
     EXPECT_EQ("video/x-unknown", trackFormat(1).getString(AMEDIAFORMAT_KEY_MIME));
 }
 

@@ -12,7 +12,7 @@ namespace {
 using android::service::Fault;
 using ::testing::Contains;
 
-class AvihChunk : public OpeningFixture {
+class AvihChunk : public LoggedFixture {
   protected:
     // The main header with its payload cut or filled up to `size` bytes.
     void openWithSize(size_t size) {

@@ -25,18 +25,4 @@ AviFile twoStreamFile() {
     return avi;
 }
 
-std::vector<Bytes> chunkBytes(const AviFile& avi, size_t stream) {
-    std::vector<Bytes> result;
-    for (const MoviChunk& chunk : avi.chunks(stream))
-        result.push_back(chunk.data());
-    return result;
-}
-
-std::vector<Bytes> OpeningFixture::sampleBytes(size_t track) {
-    std::vector<Bytes> result;
-    for (Sample& sample : readAll(track))
-        result.push_back(std::move(sample.bytes));
-    return result;
-}
-
 }  // namespace avitest

@@ -18,7 +18,7 @@ using ::testing::Not;
 // Read 0 is the sniffer's, read 1 the first of the parse.
 constexpr uint64_t kFirstParseRead = 1;
 
-class ParseCache : public OpeningFixture {
+class ParseCache : public LoggedFixture {
   protected:
     // A file without a movi list: it parses to its end and fails there.
     static Bytes fileWithoutMovi() {

@@ -14,7 +14,7 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::Not;
 
-class Queries : public OpeningFixture {};
+class Queries : public LoggedFixture {};
 
 TEST_F(Queries, CountTracks) {
     openFile(twoStreamFile().build());
@@ -117,7 +117,7 @@ TEST_F(Queries, OneTrackIsHandedOutSeveralTimes) {
     EXPECT_EQ(3u, readTrack(*second).samples.size());
 }
 
-class Destructor : public OpeningFixture {
+class Destructor : public LoggedFixture {
   protected:
     // What the destructor of an extractor of this file logs, after `query`.
     template <typename Query>

@@ -19,7 +19,7 @@ using ::testing::Not;
 // Reads 0 and 1 are the sniffer's and the parser's look at the first header.
 constexpr uint64_t kFirstListingRead = 2;
 
-class RiffListing : public OpeningFixture {
+class RiffListing : public LoggedFixture {
   protected:
     size_t riffsListed() const { return mLog.count("readMetaData(): RIFF"); }
 

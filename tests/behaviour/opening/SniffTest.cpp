@@ -155,7 +155,7 @@ TEST(Sniff, MetaIsNeverWritten) {
     }
 }
 
-class SniffLog : public OpeningFixture {
+class SniffLog : public LoggedFixture {
   protected:
     // The sniffer knows the switches from the extractor that was constructed last.
     void switchExtractLog(const std::string& value) {

@@ -10,7 +10,7 @@ namespace {
 using android::service::Extractor;
 using android::service::MemorySource;
 
-class Switches : public OpeningFixture {
+class Switches : public LoggedFixture {
   protected:
     // Whether a parse of the file now open logs any verbose line.
     bool logsVerbosely() {

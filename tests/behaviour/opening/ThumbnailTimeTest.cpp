@@ -13,7 +13,7 @@ using ::testing::Contains;
 
 constexpr uint32_t kExtensive = Extractor::kIncludeExtensiveMetaData;
 
-class ThumbnailTime : public OpeningFixture {
+class ThumbnailTime : public LoggedFixture {
   protected:
     MediaFormat formatWith(uint32_t flags, size_t track = 0) {
         return std::move(extractor().trackMetaData(track, flags).format);

@@ -12,7 +12,7 @@ using ::testing::Contains;
 
 using Lines = std::vector<std::string>;
 
-class TrackDump : public OpeningFixture {
+class TrackDump : public LoggedFixture {
   protected:
     void openLogged(AviFile avi) {
         setProperty(kExtractLogProperty, "1");

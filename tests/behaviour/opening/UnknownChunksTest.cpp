@@ -12,7 +12,7 @@ using ::testing::Contains;
 
 constexpr char kStop[] = "parseFirstRIFF(): Unknown chunk num > 50, stop scaning!";
 
-class UnknownChunks : public OpeningFixture {
+class UnknownChunks : public LoggedFixture {
   protected:
     bool reachesTheIndex(AviFile avi) {
         setProperty(kExtractLogProperty, "1");

@@ -10,17 +10,17 @@ namespace {
 
 class AudioTimes : public ReadingTest {
   protected:
-    std::vector<int64_t> timesOf(const Stream& stream, const std::vector<size_t>& sizes) {
+    std::vector<int64_t> timesWith(const Stream& stream, const std::vector<size_t>& sizes) {
         std::vector<Bytes> chunks;
         for (const size_t size : sizes)
             chunks.push_back(patternBytes(size));
         openStream(stream, chunks);
-        return timesOfSamples(readAll(0));
+        return timesOf(readAll(0));
     }
 };
 
 TEST_F(AudioTimes, ByteTimedAudioCountsBytes) {
-    EXPECT_EQ(timesOf(alawStream(), {4000, 1, 8000, 10}),
+    EXPECT_EQ(timesWith(alawStream(), {4000, 1, 8000, 10}),
               (std::vector<int64_t>{0, 500000, 500125, 1500125}));
 }
 
@@ -31,14 +31,14 @@ TEST_F(AudioTimes, SampleSizeDividesTheBytes) {
     stream.header.sampleSize = 13;
 
     // (bytes * 1000000 * 7 / 3000) / 13, each quotient cut.
-    EXPECT_EQ(timesOf(stream, {100, 101, 50}), (std::vector<int64_t>{0, 17948, 36076}));
+    EXPECT_EQ(timesWith(stream, {100, 101, 50}), (std::vector<int64_t>{0, 17948, 36076}));
 }
 
 TEST_F(AudioTimes, WithoutSampleSizeChunksShareTheDuration) {
     Stream stream = frameAudioStream(0x57, 1, 8000, 160);
     stream.header.length = 50;  // one second
 
-    EXPECT_EQ(timesOf(stream, {20, 300, 7}), (std::vector<int64_t>{0, 333333, 666666}));
+    EXPECT_EQ(timesWith(stream, {20, 300, 7}), (std::vector<int64_t>{0, 333333, 666666}));
 }
 
 TEST_F(AudioTimes, WithoutSampleSizeTheClampedDurationIsShared) {
@@ -52,7 +52,7 @@ TEST_F(AudioTimes, WithoutSampleSizeTheClampedDurationIsShared) {
         avi.addChunk(audio, patternBytes(20));
     openFile(avi.build());
 
-    EXPECT_EQ(timesOfSamples(readAll(1)), (std::vector<int64_t>{0, 10000, 20000, 30000}));
+    EXPECT_EQ(timesOf(readAll(1)), (std::vector<int64_t>{0, 10000, 20000, 30000}));
 }
 
 TEST_F(AudioTimes, WithoutRateTimesAreZero) {
@@ -61,20 +61,20 @@ TEST_F(AudioTimes, WithoutRateTimesAreZero) {
         Stream stream = alawStream();
         stream.header.rate = 0;
         stream.header.sampleSize = sampleSize;
-        EXPECT_EQ(timesOf(stream, {40, 40}), (std::vector<int64_t>{0, 0}));
+        EXPECT_EQ(timesWith(stream, {40, 40}), (std::vector<int64_t>{0, 0}));
     }
 }
 
 TEST_F(AudioTimes, WithoutScaleTimesAreZero) {
     Stream stream = alawStream();
     stream.header.scale = 0;
-    EXPECT_EQ(timesOf(stream, {40, 40}), (std::vector<int64_t>{0, 0}));
+    EXPECT_EQ(timesWith(stream, {40, 40}), (std::vector<int64_t>{0, 0}));
 }
 
 TEST_F(AudioTimes, MidiIsTimedAsAudio) {
     Stream stream = alawStream();
     stream.header.type = "midi";
-    EXPECT_EQ(timesOf(stream, {8000, 40}), (std::vector<int64_t>{0, 1000000}));
+    EXPECT_EQ(timesWith(stream, {8000, 40}), (std::vector<int64_t>{0, 1000000}));
 }
 
 // Chunks of 64 MiB by their index, none of which the file holds, then a small one.

@@ -261,7 +261,7 @@ TEST_F(Duration, StreamWithoutRatePublishesNothing) {
         EXPECT_FALSE(format.contains("av-bitrate"));
         EXPECT_EQ(format.getInt32(AMEDIAFORMAT_KEY_MAX_INPUT_SIZE), 40);
         EXPECT_THAT(log, Logged(ANDROID_LOG_ERROR, "updateSamples(): error -3EF @line"));
-        EXPECT_EQ(timesOfSamples(readAll(0)), std::vector<int64_t>{0});
+        EXPECT_EQ(timesOf(readAll(0)), std::vector<int64_t>{0});
     }
 }
 

@@ -46,7 +46,7 @@ class FrameTimes : public ReadingTest {
                                            : Bytes());
         }
         openStream(codec.stream, frames);
-        std::vector<int64_t> places = timesOfSamples(readAll(0));
+        std::vector<int64_t> places = timesOf(readAll(0));
         for (int64_t& place : places)
             place = place % 40000 == 0 ? place / 40000 : -1;
         return places;
@@ -136,7 +136,7 @@ TEST_F(FrameTimes, FrameAtHandIsLookedAtAsAWhole) {
     const Bytes late = ByteWriter().fill(1000, 0xFF).bytes(codec.b).take();
     openStream(codec.stream, {codec.i, codec.p, late});
 
-    EXPECT_EQ(timesOfSamples(readAll(0)).at(2), 40000);
+    EXPECT_EQ(timesOf(readAll(0)).at(2), 40000);
 }
 
 TEST_F(FrameTimes, TimeBaseIsScaleByRate) {
@@ -153,7 +153,7 @@ TEST_F(FrameTimes, TimeBaseIsScaleByRate) {
         SCOPED_TRACE(row.rate);
         openStream(videoStream("MJPG", 320, 240, row.rate, row.scale),
                    {patternBytes(30), patternBytes(30), patternBytes(30)});
-        EXPECT_EQ(timesOfSamples(readAll(0)), row.times);
+        EXPECT_EQ(timesOf(readAll(0)), row.times);
     }
 }
 

@@ -38,7 +38,7 @@ TEST_F(LegacyIndexStreams, NumberWithoutStreamIsCountedAndDropped) {
         };
         openFile(avi.build());
 
-        EXPECT_EQ(bytesOfSamples(readAll(0)), std::vector<Bytes>{patternBytes(40)});
+        EXPECT_EQ(readPayloads(0), std::vector<Bytes>{patternBytes(40)});
         EXPECT_THAT(log, Logged(ANDROID_LOG_DEBUG, "parseIDX1(): end (2 samples added)..."));
     }
 }
@@ -58,7 +58,7 @@ TEST_F(LegacyIndexStreams, IdWithoutDigitsIsCountedAndDropped) {
         avi.segment().index.edit = [id](std::vector<Idx1Entry>& entries) { entries[0].id = id; };
         openFile(avi.build());
 
-        EXPECT_EQ(bytesOfSamples(readAll(0)), std::vector<Bytes>{patternBytes(40)});
+        EXPECT_EQ(readPayloads(0), std::vector<Bytes>{patternBytes(40)});
         EXPECT_THAT(log, Logged(ANDROID_LOG_DEBUG, "parseIDX1(): end (2 samples added)..."));
     }
 }
@@ -78,7 +78,7 @@ TEST_F(LegacyIndexStreams, CharactersAreWeighedLikeDigits) {
         avi.addChunk(0, patternBytes(30)).indexId = row.id;
         openFile(avi.build());
 
-        EXPECT_EQ(bytesOfSamples(readAll(row.stream)), std::vector<Bytes>{patternBytes(30)});
+        EXPECT_EQ(readPayloads(row.stream), std::vector<Bytes>{patternBytes(30)});
     }
 }
 
@@ -106,8 +106,8 @@ TEST_F(LegacyIndexStreams, StreamBehindADroppedOneKeepsItsNumber) {
     openFile(avi.build());
 
     ASSERT_EQ(countTracks(), 2u);
-    EXPECT_EQ(bytesOfSamples(readAll(0)), std::vector<Bytes>{patternBytes(30, 2)});
-    EXPECT_EQ(bytesOfSamples(readAll(1)), std::vector<Bytes>{patternBytes(40, 3)});
+    EXPECT_EQ(readPayloads(0), std::vector<Bytes>{patternBytes(30, 2)});
+    EXPECT_EQ(readPayloads(1), std::vector<Bytes>{patternBytes(40, 3)});
 }
 
 TEST_F(LegacyIndexStreams, VideoPutFirstKeepsItsNumber) {
@@ -126,7 +126,7 @@ TEST_F(LegacyIndexStreams, VideoPutFirstKeepsItsNumber) {
     for (size_t track = 0; track < 4; ++track) {
         SCOPED_TRACE(track);
         const size_t stream = order[track];
-        EXPECT_EQ(bytesOfSamples(readAll(track)),
+        EXPECT_EQ(readPayloads(track),
                   std::vector<Bytes>{patternBytes(20 + stream, static_cast<uint32_t>(stream))});
     }
 }
@@ -143,8 +143,8 @@ TEST_F(LegacyIndexStreams, DroppedStreamAndVideoPutFirstKeepTheirNumbers) {
     openFile(avi.build());
 
     ASSERT_EQ(countTracks(), 2u);
-    EXPECT_EQ(bytesOfSamples(readAll(0)), std::vector<Bytes>{patternBytes(30, 2)});
-    EXPECT_EQ(bytesOfSamples(readAll(1)), std::vector<Bytes>{patternBytes(40, 3)});
+    EXPECT_EQ(readPayloads(0), std::vector<Bytes>{patternBytes(30, 2)});
+    EXPECT_EQ(readPayloads(1), std::vector<Bytes>{patternBytes(40, 3)});
 }
 
 }  // namespace

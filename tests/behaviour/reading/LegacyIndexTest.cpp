@@ -17,7 +17,7 @@ class LegacyIndex : public ReadingTest {
 
     void expectAllChunks() {
         openFile(mAvi.build());
-        EXPECT_EQ(bytesOfSamples(readAll(0)), mChunks);
+        EXPECT_EQ(readPayloads(0), mChunks);
     }
 
     // Fills up in front of the movi list, so that its header lies at `offset`.
@@ -108,7 +108,7 @@ TEST_F(LegacyIndex, GroupsOfChunksAreReadThroughTheirEntries) {
     avi.endGroup();
     openFile(avi.build());
 
-    EXPECT_EQ(bytesOfSamples(readAll(0)), mChunks);
+    EXPECT_EQ(readPayloads(0), mChunks);
 }
 
 TEST_F(LegacyIndex, KeyFlagAloneMakesASampleAKeySample) {
@@ -154,7 +154,7 @@ TEST_F(LegacyIndex, FurtherSegmentAddsToTheTablesWithABaseOfItsOwn) {
 
     std::vector<Bytes> expected = mChunks;
     expected.push_back(later);
-    EXPECT_EQ(bytesOfSamples(readAll(0)), expected);
+    EXPECT_EQ(readPayloads(0), expected);
 }
 
 TEST_F(LegacyIndex, FurtherSegmentContinuesRunningTotals) {

@@ -26,15 +26,15 @@ class ReadAdpcm : public ReadingTest {
 TEST_F(ReadAdpcm, WithoutSampleSizeEveryChunkIsPlayedAtItsTime) {
     openStream(adpcmStream(0), mChunks);
     const std::vector<Sample> samples = readAll(0);
-    EXPECT_EQ(bytesOfSamples(samples), mChunks);
-    EXPECT_EQ(timesOfSamples(samples), mTimes);
+    EXPECT_EQ(payloadsOf(samples), mChunks);
+    EXPECT_EQ(timesOf(samples), mTimes);
 }
 
 TEST_F(ReadAdpcm, WithSampleSizeEveryChunkIsPlayedAtItsTime) {
     openStream(adpcmStream(256), mChunks);
     const std::vector<Sample> samples = readAll(0);
-    EXPECT_EQ(bytesOfSamples(samples), mChunks);
-    EXPECT_EQ(timesOfSamples(samples), mTimes);
+    EXPECT_EQ(payloadsOf(samples), mChunks);
+    EXPECT_EQ(timesOf(samples), mTimes);
 }
 
 }  // namespace

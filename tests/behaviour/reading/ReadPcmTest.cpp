@@ -113,7 +113,7 @@ TEST_F(ReadPcm, TimesCountTheBytesOfTheFile) {
         const size_t second = size_t{8000} * bits / 8;
         openStream(pcmStream(1, 8000, bits), {patternBytes(second), patternBytes(24)});
 
-        EXPECT_EQ(timesOfSamples(readAll(0)), (std::vector<int64_t>{0, 1000000}));
+        EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{0, 1000000}));
     }
 }
 

@@ -14,8 +14,7 @@ TEST_F(ReadSubtitle, TimeIsReadFromTheChunk) {
                                   subtitleChunk("01:02:03.450", "01:02:05.000"),
                                   subtitleChunk("99:59:59.999", "99:59:59.999")});
 
-    EXPECT_EQ(timesOfSamples(readAll(0)),
-              (std::vector<int64_t>{62345000, 3723450000, 359999999000}));
+    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{62345000, 3723450000, 359999999000}));
 }
 
 TEST_F(ReadSubtitle, ChunkIsHandedOutWithItsTimeText) {
@@ -44,7 +43,7 @@ TEST_F(ReadSubtitle, ChunkTooShortForATimeHasTimeZero) {
 TEST_F(ReadSubtitle, ShortChunkDoesNotTakeTheTimeOfTheOneBefore) {
     openStream(subtitleStream(), {subtitleChunk("00:01:02.345", "00:01:04.000"), bytesOf("[00:0")});
 
-    EXPECT_EQ(timesOfSamples(readAll(0)), (std::vector<int64_t>{62345000, 0}));
+    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{62345000, 0}));
 }
 
 TEST_F(ReadSubtitle, BothCompressionsAreSubtitles) {

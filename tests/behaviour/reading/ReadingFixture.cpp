@@ -41,20 +41,6 @@ Bytes subtitleChunk(const std::string& from, const std::string& to) {
     return bytesOf("[" + from + "-" + to + "] a picture");
 }
 
-std::vector<Bytes> bytesOfSamples(const std::vector<Sample>& samples) {
-    std::vector<Bytes> result;
-    for (const Sample& sample : samples)
-        result.push_back(sample.bytes);
-    return result;
-}
-
-std::vector<int64_t> timesOfSamples(const std::vector<Sample>& samples) {
-    std::vector<int64_t> result;
-    for (const Sample& sample : samples)
-        result.push_back(sample.timeUs);
-    return result;
-}
-
 StartedTrack::StartedTrack(std::unique_ptr<Track> track) : mTrack(std::move(track)) {
     EXPECT_EQ(AMEDIA_OK, mTrack->start(mGroup));
 }

@@ -49,10 +49,6 @@ class ReadingTest : public ExtractorFixture {
     }
 };
 
-// The bytes or times of samples, for comparison as a whole.
-std::vector<Bytes> bytesOfSamples(const std::vector<Sample>& samples);
-std::vector<int64_t> timesOfSamples(const std::vector<Sample>& samples);
-
 // A started track with a group of its own. Its end stops the track and expects every buffer back.
 class StartedTrack {
   public:

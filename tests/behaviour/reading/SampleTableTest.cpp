@@ -26,7 +26,7 @@ TEST_F(SampleTable, FirstVideoSampleOfSizeZeroIsDropped) {
     LogCapture log;
     openStream(mjpegStream(), {{}, {}, patternBytes(30), patternBytes(40)});
 
-    EXPECT_EQ(timesOfSamples(readAll(0)), (std::vector<int64_t>{0, 40000}));
+    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{0, 40000}));
     EXPECT_THAT(log, Logged(ANDROID_LOG_DEBUG, "finished samples 2 syncSamples 2"));
 }
 
@@ -34,7 +34,7 @@ TEST_F(SampleTable, LaterVideoSampleOfSizeZeroIsKeptWithItsKeyFlag) {
     LogCapture log;
     openStream(mjpegStream(), {patternBytes(30), {}, patternBytes(40)});
 
-    EXPECT_EQ(timesOfSamples(readAll(0)), (std::vector<int64_t>{0, 80000}));
+    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{0, 80000}));
     EXPECT_THAT(log, Logged(ANDROID_LOG_DEBUG, "finished samples 3 syncSamples 3"));
 }
 
@@ -43,7 +43,7 @@ TEST_F(SampleTable, AudioSampleOfSizeZeroIsDroppedAnywhere) {
     const std::vector<Bytes> kept = {patternBytes(30, 1), patternBytes(40, 2)};
     openStream(alawStream(), {{}, kept[0], {}, kept[1], {}});
 
-    EXPECT_EQ(bytesOfSamples(readAll(0)), kept);
+    EXPECT_EQ(readPayloads(0), kept);
     EXPECT_THAT(log, Logged(ANDROID_LOG_DEBUG, "sampleCount 2"));
 }
 
@@ -62,7 +62,7 @@ TEST_F(SampleTable, RunningTotalsGiveEachChunkItsOwnSize) {
                                        patternBytes(50, 3)};
     openStream(std::move(stream), chunks);
 
-    EXPECT_EQ(bytesOfSamples(readAll(0)), chunks);
+    EXPECT_EQ(readPayloads(0), chunks);
     EXPECT_EQ(maxInputSize(0), 200);
 }
 
@@ -71,7 +71,7 @@ TEST_F(SampleTable, RunningTotalsGiveEachChunkTheTimeOfTheBytesBeforeIt) {
     openStream(std::move(stream), {patternBytes(100), patternBytes(200), patternBytes(50)});
 
     // 0, 100 and 300 bytes of 32000 a second.
-    EXPECT_EQ(timesOfSamples(readAll(0)), (std::vector<int64_t>{0, 3125, 9375}));
+    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{0, 3125, 9375}));
 }
 
 TEST_F(SampleTable, SizesWithoutSampleSizeStandForThemselves) {
@@ -81,7 +81,7 @@ TEST_F(SampleTable, SizesWithoutSampleSizeStandForThemselves) {
     stream.header.sampleSize = 0;
     openStream(std::move(stream), chunks);
 
-    EXPECT_EQ(bytesOfSamples(readAll(0)), chunks);
+    EXPECT_EQ(readPayloads(0), chunks);
     EXPECT_EQ(maxInputSize(0), 200);
 }
 
@@ -142,7 +142,7 @@ TEST_F(SampleTable, SampleAtTheEndOfTheFileIsDroppedWithItsPlace) {
     LogCapture log;
     openFile(avi.build());
 
-    EXPECT_EQ(bytesOfSamples(readAll(0)), (std::vector<Bytes>{patternBytes(30), patternBytes(50)}));
+    EXPECT_EQ(readPayloads(0), (std::vector<Bytes>{patternBytes(30), patternBytes(50)}));
     const std::string size = std::to_string(fileSize);
     EXPECT_THAT(log, Logged(ANDROID_LOG_ERROR, "addSampleById(): Sample offset(" + size +
                                                    ") exceeds the fileSize(" + size + ")! @L"));

@@ -23,7 +23,7 @@ TEST_F(SourceLifecycle, EveryStartReadsFromTheBeginning) {
     for (int i = 0; i < 3; ++i) {
         SCOPED_TRACE(i);
         const ReadRun run = readTrack(*source);
-        EXPECT_EQ(bytesOfSamples(run.samples), mChunks);
+        EXPECT_EQ(payloadsOf(run.samples), mChunks);
         EXPECT_EQ(run.status, AMEDIA_ERROR_END_OF_STREAM);
     }
 }
@@ -32,7 +32,7 @@ TEST_F(SourceLifecycle, StopInTheMiddleGoesBackToTheBeginning) {
     const std::unique_ptr<Track> source = track(0);
     EXPECT_EQ(readTrack(*source, {}, 2).samples.size(), 2u);
 
-    EXPECT_EQ(bytesOfSamples(readTrack(*source).samples), mChunks);
+    EXPECT_EQ(payloadsOf(readTrack(*source).samples), mChunks);
 }
 
 TEST_F(SourceLifecycle, StopWithoutAReadSucceeds) {
@@ -71,7 +71,7 @@ TEST_F(SourceLifecycle, GroupMayGoBeforeTheTrack) {
         EXPECT_EQ(source->read().status, AMEDIA_OK);
         EXPECT_EQ(source->stop(), AMEDIA_OK);
     }
-    EXPECT_EQ(bytesOfSamples(readTrack(*source).samples), mChunks);
+    EXPECT_EQ(payloadsOf(readTrack(*source).samples), mChunks);
 }
 
 TEST_F(SourceLifecycle, DeletionOfAStartedTrackStopsIt) {
@@ -106,7 +106,7 @@ TEST_F(SourceLifecycle, FormatIsACopy) {
     AMediaFormat_setInt32(result.format.get(), AMEDIAFORMAT_KEY_MAX_INPUT_SIZE, 1);
 
     EXPECT_EQ(source->getFormat().format.getString(AMEDIAFORMAT_KEY_MIME), "video/x-motion-jpeg");
-    EXPECT_EQ(bytesOfSamples(readTrack(*source).samples), mChunks);
+    EXPECT_EQ(payloadsOf(readTrack(*source).samples), mChunks);
 }
 
 TEST_F(SourceLifecycle, FormatCanBeAskedForWhileReading) {

@@ -160,8 +160,8 @@ TEST_F(SourceStart, AdpcmTakesItsBlockAsSampleSize) {
         openStream(stream, chunks);
 
         const std::vector<Sample> samples = readAll(0);
-        EXPECT_EQ(bytesOfSamples(samples), chunks);
-        EXPECT_EQ(timesOfSamples(samples), (std::vector<int64_t>{0, row.secondUs}));
+        EXPECT_EQ(payloadsOf(samples), chunks);
+        EXPECT_EQ(timesOf(samples), (std::vector<int64_t>{0, row.secondUs}));
     }
 }
 

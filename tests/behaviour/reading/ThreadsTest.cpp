@@ -46,7 +46,7 @@ class Threads : public ReadingTest {
     // Starts, reads and stops a track, over and over.
     void readOften(Track& source) {
         for (int i = 0; i < kRounds; ++i)
-            EXPECT_EQ(bytesOfSamples(readTrack(source).samples), mChunks);
+            EXPECT_EQ(payloadsOf(readTrack(source).samples), mChunks);
     }
 
     const std::vector<Bytes> mChunks = {patternBytes(30, 1), patternBytes(41, 2),
@@ -83,7 +83,7 @@ TEST_F(Threads, ExtensiveQueryMayComeWhileTheTrackIsRead) {
         const std::unique_ptr<Track> source = track(0);
         std::thread thread(
             [this] { extractor().trackMetaData(0, Extractor::kIncludeExtensiveMetaData); });
-        EXPECT_EQ(bytesOfSamples(readTrack(*source).samples), mChunks);
+        EXPECT_EQ(payloadsOf(readTrack(*source).samples), mChunks);
         source->getFormat();
         thread.join();
     }

@@ -114,11 +114,8 @@ std::vector<ReadRun> play(DataSource& source, size_t bytes) {
 SmallFile withSamples(SmallFile file) {
     if (!file.samples.empty()) return file;
     MemorySource source(file.bytes.data(), file.bytes.size());
-    for (const ReadRun& run : play(source, file.bytes.size())) {
-        std::vector<Bytes>& samples = file.samples.emplace_back();
-        for (const Sample& sample : run.samples)
-            samples.push_back(sample.bytes);
-    }
+    for (const ReadRun& run : play(source, file.bytes.size()))
+        file.samples.push_back(payloadsOf(run.samples));
     return file;
 }
 

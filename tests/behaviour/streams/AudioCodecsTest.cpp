@@ -38,7 +38,7 @@ TEST_P(KnownAudioCodec, IsToldByItsTag) {
     AviFile avi = fileOf({audioWithExtra(GetParam().tag, vorbis ? vorbisHeaders() : Bytes())});
     ASSERT_EQ(1u, openLogged(avi));
     EXPECT_EQ(GetParam().mime, mime(0));
-    EXPECT_EQ(0u, countOf("unknown wave"));
+    EXPECT_EQ(0u, mLog.count("unknown wave"));
     EXPECT_THAT(
         log(),
         Contains(verbose(format("   formatTag = 0x%x(%s)", GetParam().tag, GetParam().mime))));
@@ -63,7 +63,7 @@ TEST_F(AudioCodec, UnknownOneIsStillRead) {
     AviFile avi = fileOf({audioOfTag(0x1234)});
     ASSERT_EQ(1u, open(avi));
     EXPECT_EQ(2, int32Of(0, AMEDIAFORMAT_KEY_CHANNEL_COUNT));
-    EXPECT_EQ(streamBytes(avi, 0), trackBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 TEST_F(AudioCodec, PcmTakesWholeBytes) {
@@ -98,7 +98,7 @@ TEST_F(AudioCodec, OtherCodecsTakeAnyWidth) {
 TEST_F(AudioCodec, StreamBehindABadOneKeepsItsChunks) {
     AviFile avi = fileOf({pcmStream(1, 8000, 12), pcmStream()});
     ASSERT_EQ(1u, open(avi));
-    EXPECT_EQ(streamBytes(avi, 1), trackBytes(0));
+    EXPECT_EQ(avi.payloads(1), readPayloads(0));
     EXPECT_THAT(log(), Contains(dropped()));
 }
 

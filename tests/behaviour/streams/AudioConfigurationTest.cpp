@@ -54,7 +54,7 @@ TEST_F(AudioConfiguration, WmaIsLoggedOnRequest) {
 TEST_F(AudioConfiguration, WmaIsNotLoggedUnasked) {
     AviFile avi = fileOf({audioWithExtra(0x161, patternBytes(10))});
     ASSERT_EQ(1u, open(avi));
-    EXPECT_EQ(0u, countOf("kKeyWMAC"));
+    EXPECT_EQ(0u, mLog.count("kKeyWMAC"));
 }
 
 TEST_F(AudioConfiguration, WmaWithoutExtraDataGetsNone) {
@@ -96,7 +96,7 @@ TEST_F(AudioConfiguration, VorbisHeadersAreLoggedOnRequest) {
 TEST_F(AudioConfiguration, VorbisHeadersAreNotLoggedUnasked) {
     AviFile avi = fileOf({audioWithExtra(0x566F, vorbisHeaders())});
     ASSERT_EQ(1u, open(avi));
-    EXPECT_EQ(0u, countOf("kKeyVorbis"));
+    EXPECT_EQ(0u, mLog.count("kKeyVorbis"));
 }
 
 TEST_F(AudioConfiguration, VorbisSetupOfOneByteIsTaken) {

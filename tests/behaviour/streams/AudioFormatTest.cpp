@@ -49,8 +49,8 @@ class AudioFormat : public StreamsFixture {
 TEST_F(AudioFormat, Of16BytesHasNoExtraData) {
     ASSERT_EQ(2u, openWithRest({}));
     EXPECT_EQ(std::nullopt, extra());
-    EXPECT_EQ(0u, countOf("skip invalid codec data"));
-    EXPECT_EQ(0u, countOf("extra config data"));
+    EXPECT_EQ(0u, mLog.count("skip invalid codec data"));
+    EXPECT_EQ(0u, mLog.count("extra config data"));
 }
 
 TEST_F(AudioFormat, Under16BytesDropsTheStream) {
@@ -59,7 +59,7 @@ TEST_F(AudioFormat, Under16BytesDropsTheStream) {
         Stream stream = pcmStream();
         stream.edit = [size](Chunk& strl) { strl.child("strf").payload.resize(size); };
         EXPECT_FALSE(becomesTrack(stream));
-        EXPECT_THAT(log(), Contains(Failure("parseSTRF", "3EF")));
+        EXPECT_THAT(mLog, Logged(ANDROID_LOG_ERROR, failureOf("parseSTRF", "3EF")));
     }
 }
 
@@ -67,7 +67,7 @@ TEST_F(AudioFormat, ThatCannotBeReadDropsTheStream) {
     mAvi = fileOf({pcmStream(), mjpegStream()});
     editStream(mAvi, 0, [](Chunk& strl) { strl.child("strf").marked("strf"); });
     ASSERT_EQ(1u, openUnreadable(mAvi, "strf", 15));
-    EXPECT_THAT(log(), Contains(Failure("parseSTRF", "3EC")));
+    EXPECT_THAT(mLog, Logged(ANDROID_LOG_ERROR, failureOf("parseSTRF", "3EC")));
     EXPECT_THAT(log(), Contains(dropped()));
 }
 
@@ -84,7 +84,7 @@ TEST_F(AudioFormat, ExtraSizeAloneIsSkipped) {
     ASSERT_EQ(2u, openWithRest({2, 0}));
     expectSkipped(2);
     EXPECT_THAT(log(), Contains(verbose("   size = 0")));
-    EXPECT_EQ(0u, countOf("aHeader.size"));
+    EXPECT_EQ(0u, mLog.count("aHeader.size"));
 }
 
 TEST_F(AudioFormat, PadByteDoesNotMakeRoomForExtraData) {
@@ -99,7 +99,7 @@ TEST_F(AudioFormat, PadByteDoesNotMakeRoomForExtraData) {
 TEST_F(AudioFormat, ExtraDataIsAsLongAsItsSizeSays) {
     ASSERT_EQ(2u, openWithRest({3, 0, 0xA1, 0xA2, 0xA3, 0xA4}));
     EXPECT_EQ((Bytes{3, 0, 0xA1, 0xA2, 0xA3}), extra());
-    EXPECT_EQ(0u, countOf("skip invalid codec data"));
+    EXPECT_EQ(0u, mLog.count("skip invalid codec data"));
 }
 
 TEST_F(AudioFormat, ExtraDataMayFillTheChunk) {
@@ -121,21 +121,21 @@ TEST_F(AudioFormat, ExtraDataIsNotLoggedAsThatOfVideo) {
     for (const uint16_t size : {24, 25, 60, 1000}) {
         SCOPED_TRACE(size);
         ASSERT_EQ(2u, openWithRest(ByteWriter().u16(size).bytes(patternBytes(size)).take()));
-        EXPECT_EQ(0u, countOf("extra config data"));
+        EXPECT_EQ(0u, mLog.count("extra config data"));
     }
 }
 
 TEST_F(AudioFormat, ExtraSizeZeroGivesEmptyExtraData) {
     ASSERT_EQ(2u, openWithRest({0, 0, 0xA1, 0xA2}));
     EXPECT_EQ((Bytes{0, 0}), extra());
-    EXPECT_EQ(0u, countOf("skip invalid codec data"));
+    EXPECT_EQ(0u, mLog.count("skip invalid codec data"));
 }
 
 // Some writers count the size field itself: two bytes of the next chunk come along.
 TEST_F(AudioFormat, ExtraSizeMayCountItsOwnField) {
     ASSERT_EQ(2u, openWithRest({6, 0, 0xA1, 0xA2, 0xA3, 0xA4}));
     EXPECT_EQ((Bytes{6, 0, 0xA1, 0xA2, 0xA3, 0xA4, 'L', 'I'}), extra());
-    EXPECT_EQ(0u, countOf("skip invalid codec data"));
+    EXPECT_EQ(0u, mLog.count("skip invalid codec data"));
 }
 
 TEST_F(AudioFormat, ExtraSizeBeyondTheChunkIsSkipped) {
@@ -153,7 +153,7 @@ TEST_F(AudioFormat, ExtraSizeThatCountsItsOwnFieldAtTheEndOfTheFileDropsTheStrea
     const ChunkPlace place = mAvi.place("strf");
     file.resize(place.dataOffset + place.dataSize + 1);
     EXPECT_EQ(0u, open(file));
-    EXPECT_THAT(log(), Contains(Failure("parseSTRF", "3EC")));
+    EXPECT_THAT(mLog, Logged(ANDROID_LOG_ERROR, failureOf("parseSTRF", "3EC")));
     EXPECT_THAT(log(), Contains(dropped()));
 }
 
@@ -174,7 +174,7 @@ TEST_F(AudioFormat, ExtraSizeThatCannotBeReadDropsTheStream) {
     mAvi = fileOf({audioWithExtra(0x161, patternBytes(4)), mjpegStream()});
     editStream(mAvi, 0, [](Chunk& strl) { strl.child("strf").marked("strf"); });
     ASSERT_EQ(1u, openUnreadable(mAvi, "strf", 17));
-    EXPECT_THAT(log(), Contains(Failure("parseSTRF", "3EC")));
+    EXPECT_THAT(mLog, Logged(ANDROID_LOG_ERROR, failureOf("parseSTRF", "3EC")));
     EXPECT_THAT(log(), Contains(dropped()));
 }
 
@@ -182,7 +182,7 @@ TEST_F(AudioFormat, ExtraDataThatCannotBeReadDropsTheStream) {
     mAvi = fileOf({audioWithExtra(0x161, patternBytes(4)), mjpegStream()});
     editStream(mAvi, 0, [](Chunk& strl) { strl.child("strf").marked("strf"); });
     ASSERT_EQ(1u, openUnreadable(mAvi, "strf", 21));
-    EXPECT_THAT(log(), Contains(Failure("parseSTRF", "3EC")));
+    EXPECT_THAT(mLog, Logged(ANDROID_LOG_ERROR, failureOf("parseSTRF", "3EC")));
     EXPECT_THAT(log(), Contains(dropped()));
 }
 
@@ -199,9 +199,9 @@ TEST_F(AudioFormat, ExtraDataIsLoggedOnRequest) {
 TEST_F(AudioFormat, ExtraDataIsNotLoggedUnasked) {
     mAvi = fileOf({audioWithExtra(0x161, {0x12, 0x10, 0xFE})});
     ASSERT_EQ(1u, open(mAvi));
-    EXPECT_EQ(0u, countOf("aHeader.size"));
-    EXPECT_EQ(0u, countOf("12 10 fe"));
-    EXPECT_EQ(0u, countOf("samplingFreqIndex"));
+    EXPECT_EQ(0u, mLog.count("aHeader.size"));
+    EXPECT_EQ(0u, mLog.count("12 10 fe"));
+    EXPECT_EQ(0u, mLog.count("samplingFreqIndex"));
 }
 
 // The profile is one less than the five bits, in 8 bits.
@@ -217,7 +217,7 @@ TEST_F(AudioFormat, OneExtraByteTellsNoProfile) {
     mAvi = fileOf({audioWithExtra(0x161, {0x12})});
     ASSERT_EQ(1u, openLogged(mAvi));
     EXPECT_THAT(log(), Contains(verbose("12 ")));
-    EXPECT_EQ(0u, countOf("samplingFreqIndex"));
+    EXPECT_EQ(0u, mLog.count("samplingFreqIndex"));
 }
 
 TEST_F(AudioFormat, PublishesChannelsRateAndBlock) {
@@ -284,9 +284,9 @@ TEST_F(AudioFormat, AllFieldsAreLoggedOnRequest) {
 TEST_F(AudioFormat, FieldsAreNotLoggedUnasked) {
     mAvi = fileOf({audioOfTag(0x2000)});
     ASSERT_EQ(1u, open(mAvi));
-    EXPECT_EQ(0u, countOf("==== AVIWaveFormat ===="));
-    EXPECT_EQ(0u, countOf("   formatTag"));
-    EXPECT_EQ(0u, countOf("Initialize seekTimeUs"));
+    EXPECT_EQ(0u, mLog.count("==== AVIWaveFormat ===="));
+    EXPECT_EQ(0u, mLog.count("   formatTag"));
+    EXPECT_EQ(0u, mLog.count("Initialize seekTimeUs"));
 }
 
 // The seek time goes by the stream's number in the file, dropped streams counted.
@@ -295,7 +295,7 @@ TEST_F(AudioFormat, SeekTimeIsMadeForEachStream) {
     text.header.type = "txts";
     mAvi = fileOf({text, audioOfTag(0x2000), audioOfTag(0x2001)});
     ASSERT_EQ(2u, openLogged(mAvi));
-    EXPECT_EQ(2u, countOf("Initialize seekTimeUs("));
+    EXPECT_EQ(2u, mLog.count("Initialize seekTimeUs("));
     EXPECT_THAT(log(), Contains(verbose("parseSTRF(audio/ac3): Initialize seekTimeUs(1, -1)")));
     EXPECT_THAT(log(), Contains(verbose("parseSTRF(audio/vnd.dts): Initialize seekTimeUs(2, -1)")));
 }

@@ -83,9 +83,9 @@ TEST_F(StreamHeaderChunk, KindRateAndSampleSizeAreAlwaysLogged) {
                            debug("   rate/scale: 32000/4"),
                            debug("   sampleSize: 4"),
                        }));
-    EXPECT_EQ(0u, countOf("==== AVIStreamHeader ===="));
-    EXPECT_EQ(0u, countOf("   fccHandler:"));
-    EXPECT_EQ(0u, countOf("   rcFrame:"));
+    EXPECT_EQ(0u, mLog.count("==== AVIStreamHeader ===="));
+    EXPECT_EQ(0u, mLog.count("   fccHandler:"));
+    EXPECT_EQ(0u, mLog.count("   rcFrame:"));
 }
 
 TEST_F(StreamHeaderChunk, AllFieldsAreLoggedOnRequest) {
@@ -172,7 +172,7 @@ TEST_F(StreamHeaderChunk, WithoutRateOrScaleGivesNoFrameRate) {
         openVideo(rate, scale, 3);
         EXPECT_FALSE(trackFormat(0).contains(AMEDIAFORMAT_KEY_FRAME_RATE));
         EXPECT_EQ(std::nullopt, fileDuration());
-        EXPECT_EQ(0u, countOf("set track scale"));
+        EXPECT_EQ(0u, mLog.count("set track scale"));
         EXPECT_THAT(log(),
                     Contains(warning("parseSTRH(): No valid frame rate info in this track.\n")));
     }
@@ -183,7 +183,7 @@ TEST_F(StreamHeaderChunk, OfAudioGivesNoFrameRate) {
     ASSERT_EQ(1u, open(avi));
     EXPECT_FALSE(trackFormat(0).contains(AMEDIAFORMAT_KEY_FRAME_RATE));
     EXPECT_EQ(std::nullopt, fileDuration());
-    EXPECT_EQ(0u, countOf("set track scale"));
+    EXPECT_EQ(0u, mLog.count("set track scale"));
 }
 
 TEST_F(StreamHeaderChunk, OfAudioWithoutRateGivesNoWarning) {
@@ -191,7 +191,7 @@ TEST_F(StreamHeaderChunk, OfAudioWithoutRateGivesNoWarning) {
     stream.header.rate = 0;
     AviFile avi = fileOf({stream});
     ASSERT_EQ(1u, open(avi));
-    EXPECT_EQ(0u, countOf("No valid frame rate info"));
+    EXPECT_EQ(0u, mLog.count("No valid frame rate info"));
 }
 
 // The rounded rate on purpose.
@@ -255,7 +255,7 @@ TEST_F(StreamHeaderChunk, SampleSizeOfVideoIsIgnored) {
     AviFile avi = fileOf({stream});
     ASSERT_EQ(1u, open(avi));
     EXPECT_EQ(48, int32Of(0, AMEDIAFORMAT_KEY_MAX_INPUT_SIZE));
-    EXPECT_EQ(streamBytes(avi, 0), trackBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 }  // namespace avitest

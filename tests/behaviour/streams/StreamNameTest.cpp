@@ -96,7 +96,7 @@ TEST_F(StreamName, ThatCannotBeReadIsUndetermined) {
     setName(bytesOf("Stream fr-CA"));
     ASSERT_EQ(1u, openUnreadable(mAvi, "strn", 11));
     EXPECT_EQ("und", language());
-    EXPECT_EQ(0u, countOf("Something wrong"));
+    EXPECT_EQ(0u, mLog.count("Something wrong"));
 }
 
 TEST_F(StreamName, IsLoggedOnRequest) {
@@ -108,21 +108,21 @@ TEST_F(StreamName, IsLoggedOnRequest) {
 TEST_F(StreamName, IsNotLoggedUnasked) {
     setName(bytesOf("Stream fr-CA"));
     ASSERT_EQ(1u, open(mAvi));
-    EXPECT_EQ(0u, countOf("strn '"));
+    EXPECT_EQ(0u, mLog.count("strn '"));
 }
 
 TEST_F(StreamName, ThatCannotBeReadIsNotLogged) {
     setProperty(kExtractLogProperty, "1");
     setName(bytesOf("Stream fr-CA"));
     ASSERT_EQ(1u, openUnreadable(mAvi, "strn", 11));
-    EXPECT_EQ(0u, countOf("strn '"));
+    EXPECT_EQ(0u, mLog.count("strn '"));
 }
 
 TEST_F(StreamName, LongestNameIsRead) {
     setName(bytesOf("Stream fr-CA"));
     ASSERT_EQ(1u, openWithLongChunk(mAvi, "strn", 0x0FFFFFFE));
     EXPECT_EQ("fre", language());
-    EXPECT_EQ(streamBytes(mAvi, 0), trackBytes(0));
+    EXPECT_EQ(mAvi.payloads(0), readPayloads(0));
 }
 
 TEST_F(StreamName, LongerThanAnyNameIsNotRead) {
@@ -131,7 +131,7 @@ TEST_F(StreamName, LongerThanAnyNameIsNotRead) {
         SCOPED_TRACE(format("0x%08x", size));
         ASSERT_EQ(1u, openWithLongChunk(mAvi, "strn", size));
         EXPECT_EQ("und", language());
-        EXPECT_EQ(streamBytes(mAvi, 0), trackBytes(0));
+        EXPECT_EQ(mAvi.payloads(0), readPayloads(0));
     }
 }
 

@@ -101,13 +101,6 @@ AviFile fileOf(std::vector<Stream> streams) {
     return avi;
 }
 
-Bytes streamBytes(const AviFile& avi, size_t stream) {
-    Bytes result;
-    for (const MoviChunk& chunk : avi.chunks(stream))
-        result.insert(result.end(), chunk.data().begin(), chunk.data().end());
-    return result;
-}
-
 void editStream(AviFile& avi, size_t stream, std::function<void(Chunk& strl)> edit) {
     avi.stream(stream).edit = std::move(edit);
 }
@@ -163,7 +156,7 @@ bool StreamsFixture::becomesTrack(Stream stream) {
     mLog.clear();
     const size_t tracks = open(avi);
     EXPECT_THAT(tracks, ::testing::AnyOf(1u, 2u));
-    EXPECT_EQ(2 - tracks, countOf(dropped().text));
+    EXPECT_EQ(2 - tracks, mLog.count(dropped().text));
     return tracks == 2;
 }
 
@@ -173,13 +166,6 @@ std::string StreamsFixture::mime(size_t track) {
 
 std::optional<int32_t> StreamsFixture::int32Of(size_t track, const char* key) {
     return trackFormat(track).getInt32(key);
-}
-
-Bytes StreamsFixture::trackBytes(size_t track) {
-    Bytes result;
-    for (const Sample& sample : readAll(track))
-        result.insert(result.end(), sample.bytes.begin(), sample.bytes.end());
-    return result;
 }
 
 }  // namespace avitest

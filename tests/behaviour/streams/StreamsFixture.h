@@ -17,19 +17,6 @@
 
 namespace avitest {
 
-// Any line, of whatever priority, that contains the text.
-MATCHER_P(TextWith, text, "line with '" + std::string(text) + "'") {
-    (void)result_listener;  // the printed log says it all
-    return arg.text.find(text) != std::string::npos;
-}
-
-// A line of an error status that is passed up: only the line number is left open.
-MATCHER_P2(Failure, function, status, std::string(function) + "(): error -" + status) {
-    (void)result_listener;
-    const std::string text = std::string(function) + "(): error -" + status + " @line";
-    return arg.priority == ANDROID_LOG_ERROR && arg.text.compare(0, text.size(), text) == 0;
-}
-
 // The line that reports a dropped stream, always at error priority.
 LogLine dropped();
 
@@ -52,9 +39,6 @@ Bytes vorbisHeaders();
 // A file with these streams, three chunks each, that differ from stream to stream. Chunks of audio
 // begin with an MPEG audio header, so that no codec finds its stream empty of frames.
 AviFile fileOf(std::vector<Stream> streams);
-
-// The payload of a stream's chunks, joined.
-Bytes streamBytes(const AviFile& avi, size_t stream);
 
 // Changes a stream list of the file.
 void editStream(AviFile& avi, size_t stream, std::function<void(Chunk& strl)> edit);
@@ -86,10 +70,6 @@ class StreamsFixture : protected StreamsState, public LoggedFixture {
 
     std::string mime(size_t track);
     std::optional<int32_t> int32Of(size_t track, const char* key);
-    // The bytes of all samples of a track, joined.
-    Bytes trackBytes(size_t track);
-    // Lines that contain the text.
-    size_t countOf(const std::string& text) const { return mLog.count(text); }
 };
 
 }  // namespace avitest

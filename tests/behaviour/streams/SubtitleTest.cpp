@@ -44,7 +44,7 @@ TEST_F(SubtitleStream, InUpperCaseIsNoVideo) {
         mLog.clear();
         ASSERT_EQ(2u, open(avi));
         EXPECT_EQ("text/vobsub", mime(1));
-        EXPECT_EQ(0u, countOf(kPutFirst));
+        EXPECT_EQ(0u, mLog.count(kPutFirst));
     }
 }
 
@@ -65,7 +65,7 @@ TEST_F(SubtitleStream, MakesWayForTheVideo) {
     EXPECT_EQ("video/x-motion-jpeg", mime(0));
     EXPECT_EQ("text/vobsub", mime(1));
     EXPECT_EQ("audio/raw", mime(2));
-    EXPECT_EQ(streamBytes(avi, 2), trackBytes(0));
+    EXPECT_EQ(avi.payloads(2), readPayloads(0));
 }
 
 TEST_F(SubtitleStream, AloneMakesAFile) {
@@ -80,7 +80,7 @@ TEST_F(SubtitleStream, IsReported) {
     ASSERT_EQ(2u, openLogged(avi));
     EXPECT_THAT(log(), Contains(debug("   compression:   DXSB(text/vobsub)")));
     EXPECT_THAT(log(), Contains(verbose("BFourCC2MIME fourcc " + idText("DXSB"))));
-    EXPECT_EQ(0u, countOf("unknown fourcc"));
+    EXPECT_EQ(0u, mLog.count("unknown fourcc"));
 }
 
 TEST_F(SubtitleStream, ExtraDataIsSkipped) {

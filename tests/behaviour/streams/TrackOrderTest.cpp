@@ -29,7 +29,7 @@ class TrackOrder : public StreamsFixture {
         ASSERT_EQ(streams.size(), open(avi));
         for (size_t track = 0; track < streams.size(); ++track) {
             SCOPED_TRACE(format("track %zu, stream %zu", track, streams[track]));
-            EXPECT_EQ(streamBytes(avi, streams[track]), trackBytes(track));
+            EXPECT_EQ(avi.payloads(streams[track]), readPayloads(track));
         }
     }
 };
@@ -37,14 +37,14 @@ class TrackOrder : public StreamsFixture {
 TEST_F(TrackOrder, FollowsTheStreamsWhenVideoComesFirst) {
     AviFile avi = fileOf({mjpegStream(), pcmStream(), pcmStream()});
     expectTracks(avi, {0, 1, 2});
-    EXPECT_EQ(0u, countOf(kPutFirst));
+    EXPECT_EQ(0u, mLog.count(kPutFirst));
 }
 
 TEST_F(TrackOrder, VideoAfterAudioIsPutFirst) {
     AviFile avi = fileOf({pcmStream(), mjpegStream()});
     expectTracks(avi, {1, 0});
     EXPECT_THAT(log(), Contains(debug(kPutFirst)));
-    EXPECT_EQ(1u, countOf(kPutFirst));
+    EXPECT_EQ(1u, mLog.count(kPutFirst));
 }
 
 TEST_F(TrackOrder, VideoBetweenAudioStreamsIsPutFirst) {
@@ -60,13 +60,13 @@ TEST_F(TrackOrder, VideoAfterTwoAudioStreamsIsPutFirst) {
 TEST_F(TrackOrder, OnlyOneVideoIsPutFirst) {
     AviFile avi = fileOf({pcmStream(), mjpegStream(), mjpegStream()});
     expectTracks(avi, {1, 0, 2});
-    EXPECT_EQ(1u, countOf(kPutFirst));
+    EXPECT_EQ(1u, mLog.count(kPutFirst));
 }
 
 TEST_F(TrackOrder, SecondVideoStaysBehindTheFirst) {
     AviFile avi = fileOf({mjpegStream(), pcmStream(), mjpegStream()});
     expectTracks(avi, {0, 1, 2});
-    EXPECT_EQ(0u, countOf(kPutFirst));
+    EXPECT_EQ(0u, mLog.count(kPutFirst));
 }
 
 TEST_F(TrackOrder, UnknownVideoIsPutFirstToo) {
@@ -85,11 +85,11 @@ TEST_F(TrackOrder, VideoThatIsDroppedAfterItWasPutFirstLeavesTheOthersInOrder) {
     // The header can be read, the bytes behind it cannot.
     editStream(avi, 2, [](Chunk& strl) { strl.child("strf").marked("strf"); });
     ASSERT_EQ(3u, openUnreadable(avi, "strf", 40));
-    EXPECT_EQ(1u, countOf(kPutFirst));
+    EXPECT_EQ(1u, mLog.count(kPutFirst));
     EXPECT_THAT(log(), Contains(dropped()));
-    EXPECT_EQ(streamBytes(avi, 0), trackBytes(0));
-    EXPECT_EQ(streamBytes(avi, 1), trackBytes(1));
-    EXPECT_EQ(streamBytes(avi, 3), trackBytes(2));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
+    EXPECT_EQ(avi.payloads(1), readPayloads(1));
+    EXPECT_EQ(avi.payloads(3), readPayloads(2));
 }
 
 TEST_F(TrackOrder, VideoBehindADroppedVideoIsPutFirst) {
@@ -101,7 +101,7 @@ TEST_F(TrackOrder, VideoBehindADroppedVideoIsPutFirst) {
 TEST_F(TrackOrder, StreamsBehindADroppedOneKeepTheirNumbers) {
     AviFile avi = fileOf({ofType(pcmStream(), "txts"), mjpegStream(), pcmStream()});
     expectTracks(avi, {1, 2});
-    EXPECT_EQ(1u, countOf(dropped().text));
+    EXPECT_EQ(1u, mLog.count(dropped().text));
 }
 
 TEST_F(TrackOrder, DroppedStreamInTheMiddleLeavesANumberOut) {
@@ -118,7 +118,7 @@ TEST_F(TrackOrder, SeveralStreamsMayBeDropped) {
     AviFile avi = fileOf({ofType(pcmStream(), "txts"), ofType(pcmStream(), "iavs"), pcmStream(),
                           ofType(mjpegStream(), "VIDS"), mjpegStream()});
     expectTracks(avi, {4, 2});
-    EXPECT_EQ(3u, countOf(dropped().text));
+    EXPECT_EQ(3u, mLog.count(dropped().text));
 }
 
 TEST_F(TrackOrder, FileWhoseStreamsAreAllDroppedHasNoTracks) {
@@ -159,7 +159,7 @@ TEST_F(TrackOrder, FormatOfADisabledAudioStreamIsNotRead) {
     setProperty(kDisableAudioProperty, "1");
     AviFile avi = fileOf({audioOfTag(0x1234), mjpegStream()});
     expectTracks(avi, {1});
-    EXPECT_EQ(0u, countOf("unknown wave"));
+    EXPECT_EQ(0u, mLog.count("unknown wave"));
 }
 
 TEST_F(TrackOrder, AudioIsKeptWhileTheSwitchIsZero) {

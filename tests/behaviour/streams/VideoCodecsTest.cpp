@@ -52,7 +52,7 @@ TEST_P(KnownVideoCodec, IsFoundInWhateverCase) {
     for (const std::string& spelled : {code, upper(code), mixed(code)}) {
         SCOPED_TRACE(spelled);
         EXPECT_EQ(GetParam().mime, mimeOf(ChunkId::of(spelled)));
-        EXPECT_EQ(0u, countOf("unknown fourcc"));
+        EXPECT_EQ(0u, mLog.count("unknown fourcc"));
         EXPECT_THAT(log(),
                     Contains(debug("   compression:   " + spelled + "(" + GetParam().mime + ")")));
         EXPECT_EQ(std::nullopt, unsupported());
@@ -92,7 +92,7 @@ TEST_F(VideoCodec, UnknownOneIsStillRead) {
     ASSERT_EQ(1u, open(avi));
     EXPECT_EQ(320, int32Of(0, AMEDIAFORMAT_KEY_WIDTH));
     EXPECT_EQ(25, int32Of(0, AMEDIAFORMAT_KEY_FRAME_RATE));
-    EXPECT_EQ(streamBytes(avi, 0), trackBytes(0));
+    EXPECT_EQ(avi.payloads(0), readPayloads(0));
 }
 
 TEST_F(VideoCodec, OneUnknownStreamMarksTheFile) {
@@ -109,7 +109,7 @@ TEST_F(VideoCodec, MotionJpegIsReported) {
 
 TEST_F(VideoCodec, OtherKnownOnesAreNotReported) {
     mimeOf("H263");
-    EXPECT_EQ(0u, countOf(" fourcc 0x"));
+    EXPECT_EQ(0u, mLog.count(" fourcc 0x"));
 }
 
 }  // namespace avitest

@@ -59,7 +59,7 @@ class VideoConfiguration : public StreamsFixture {
 
     std::optional<Bytes> buffer(const char* key) { return trackFormat(0).getBuffer(key); }
 
-    void expectCodecDataKept() { EXPECT_EQ(0u, countOf("Didn't find NAL")); }
+    void expectCodecDataKept() { EXPECT_EQ(0u, mLog.count("Didn't find NAL")); }
     void expectCodecDataDropped(size_t size) {
         EXPECT_THAT(log(), Contains(warning(sized(kNoStartCode1, size))));
         EXPECT_THAT(log(), Contains(warning(sized(kNoStartCode2, size))));
@@ -73,7 +73,7 @@ TEST_F(VideoConfiguration, AvcRecordIsPublished) {
     EXPECT_THAT(log(), Contains(verbose("parseSTRF(): mAVCStyle = 0")));
     EXPECT_THAT(log(), Contains(debug("parseSTRF(): mAVCSizeLength = 4")));
     EXPECT_THAT(log(), Contains(verbose("parseSTRF(): set kKeyAVCC data(18)")));
-    EXPECT_EQ(2u, countOf("01 42 00 1e ff e1 00 04 67 42 00 1e 01 00 03 68\nce 38 "));
+    EXPECT_EQ(2u, mLog.count("01 42 00 1e ff e1 00 04 67 42 00 1e 01 00 03 68\nce 38 "));
     expectCodecDataDropped(record.size());
 }
 
@@ -88,9 +88,9 @@ TEST_F(VideoConfiguration, AvcRecordIsDescribedOnRequest) {
 TEST_F(VideoConfiguration, AvcRecordIsNotDescribedUnasked) {
     AviFile avi = fileOf({videoWithExtra("H264", avcRecord(4))});
     ASSERT_EQ(1u, open(avi));
-    EXPECT_EQ(0u, countOf("mAVCStyle = "));
-    EXPECT_EQ(0u, countOf("kKeyAVCC"));
-    EXPECT_EQ(0u, countOf("configurationVersion"));
+    EXPECT_EQ(0u, mLog.count("mAVCStyle = "));
+    EXPECT_EQ(0u, mLog.count("kKeyAVCC"));
+    EXPECT_EQ(0u, mLog.count("configurationVersion"));
     EXPECT_THAT(log(), Contains(debug("parseSTRF(): mAVCSizeLength = 4")));
     expectCodecDataDropped(avcRecord(4).size());
 }
@@ -126,8 +126,8 @@ TEST_F(VideoConfiguration, AvcByteStreamIsNoRecord) {
     openVideo("H264", byteStream(0x67, 0x68));
     EXPECT_EQ(std::nullopt, buffer(AMEDIAFORMAT_KEY_CSD_AVC));
     EXPECT_THAT(log(), Contains(verbose("parseSTRF(): mAVCStyle = 1")));
-    EXPECT_EQ(0u, countOf("mAVCSizeLength = "));
-    EXPECT_EQ(0u, countOf("Not avc codec specific data"));
+    EXPECT_EQ(0u, mLog.count("mAVCSizeLength = "));
+    EXPECT_EQ(0u, mLog.count("Not avc codec specific data"));
     expectCodecDataKept();
 }
 
@@ -143,7 +143,7 @@ TEST_F(VideoConfiguration, AvcPictureSetIsFoundWithAnyReferenceBits) {
 TEST_F(VideoConfiguration, AvcStartCodesWithoutPictureSetAreNoRecordEither) {
     openVideo("H264", byteStream(0x67, 0x65));
     EXPECT_THAT(log(), Contains(verbose("parseSTRF(): mAVCStyle = 0")));
-    EXPECT_THAT(log(), Contains(Failure("parseAVCCodecSpecificData", "3EF")));
+    EXPECT_THAT(mLog, Logged(ANDROID_LOG_ERROR, failureOf("parseAVCCodecSpecificData", "3EF")));
     EXPECT_THAT(log(), Contains(error("parseSTRF(): Not avc codec specific data")));
     EXPECT_EQ(std::nullopt, buffer(AMEDIAFORMAT_KEY_CSD_AVC));
     expectCodecDataKept();
@@ -168,7 +168,7 @@ TEST_F(VideoConfiguration, AvcMalformedRecordMeansStartCodes) {
     EXPECT_THAT(log(), Contains(error("parseSTRF(): Not avc codec specific data")));
     EXPECT_THAT(log(), Contains(debug("parseSTRF(): mAVCSizeLength = 4")));
     EXPECT_EQ(std::nullopt, buffer(AMEDIAFORMAT_KEY_CSD_AVC));
-    EXPECT_EQ(sample, trackBytes(0));
+    EXPECT_EQ(std::vector<Bytes>(1, sample), readPayloads(0));
     expectCodecDataDropped(record.size());
 }
 
@@ -176,15 +176,15 @@ TEST_F(VideoConfiguration, AvcExtraDataOfTwoBytesIsNoRecord) {
     openVideo("H264", {1, 0x42});
     EXPECT_THAT(log(), Contains(warning("parseSTRF(): skip invalid codec data 2 bytes")));
     EXPECT_THAT(log(), Contains(error("parseSTRF(): Not avc codec specific data")));
-    EXPECT_EQ(0u, countOf("Didn't find NAL"));
+    EXPECT_EQ(0u, mLog.count("Didn't find NAL"));
 }
 
 TEST_F(VideoConfiguration, AvcWithoutExtraDataPublishesNothing) {
     openVideo("H264", {});
     EXPECT_EQ(std::nullopt, buffer(AMEDIAFORMAT_KEY_CSD_AVC));
-    EXPECT_EQ(0u, countOf("mAVCStyle = "));
-    EXPECT_EQ(0u, countOf("mAVCSizeLength = "));
-    EXPECT_EQ(0u, countOf("Not avc codec specific data"));
+    EXPECT_EQ(0u, mLog.count("mAVCStyle = "));
+    EXPECT_EQ(0u, mLog.count("mAVCSizeLength = "));
+    EXPECT_EQ(0u, mLog.count("Not avc codec specific data"));
 }
 
 TEST_F(VideoConfiguration, AvcRecordThatCannotBeReadAgainIsSkippedSilently) {
@@ -203,9 +203,9 @@ TEST_F(VideoConfiguration, AvcRecordThatCannotBeReadAgainIsSkippedSilently) {
     mLog.clear();
     ASSERT_EQ(1u, openFaulty(file, {Fault::shortRead(16).onCall(reads[1])}));
     EXPECT_EQ(std::nullopt, buffer(AMEDIAFORMAT_KEY_CSD_AVC));
-    EXPECT_EQ(0u, countOf("mAVCSizeLength = "));
-    EXPECT_EQ(0u, countOf("Not avc codec specific data"));
-    EXPECT_EQ(0u, countOf("parseSTRF(): error"));
+    EXPECT_EQ(0u, mLog.count("mAVCSizeLength = "));
+    EXPECT_EQ(0u, mLog.count("Not avc codec specific data"));
+    EXPECT_EQ(0u, mLog.count("parseSTRF(): error"));
     expectCodecDataDropped(18);
 }
 
@@ -229,7 +229,7 @@ TEST_F(VideoConfiguration, HevcParameterSetsArePublishedAsTheyAre) {
     openVideo("HEVC", extra);
     EXPECT_EQ(extra, buffer(AMEDIAFORMAT_KEY_CSD_HEVC));
     EXPECT_THAT(log(), Contains(TextWith("parseSTRF(): set HVCC csd raw data @L")));
-    EXPECT_EQ(2u, countOf("00 00 00 01 40 01 0c 01 00 00 01 42 01 01 "));
+    EXPECT_EQ(2u, mLog.count("00 00 00 01 40 01 0c 01 00 00 01 42 01 01 "));
     expectCodecDataKept();
 }
 
@@ -258,14 +258,14 @@ TEST_F(VideoConfiguration, HevcFirstByteDoesNotDecide) {
 TEST_F(VideoConfiguration, HevcWithoutStartCodeIsNotPublished) {
     openVideo("hev1", {1, 1, 0x60, 0, 0, 0, 0x90, 0});
     EXPECT_EQ(std::nullopt, buffer(AMEDIAFORMAT_KEY_CSD_HEVC));
-    EXPECT_EQ(0u, countOf("set HVCC csd raw data"));
+    EXPECT_EQ(0u, mLog.count("set HVCC csd raw data"));
     expectCodecDataDropped(8);
 }
 
 TEST_F(VideoConfiguration, HevcIsNotTakenForAvc) {
     openVideo("HEVC", avcRecord(4));
     EXPECT_EQ(std::nullopt, buffer(AMEDIAFORMAT_KEY_CSD_AVC));
-    EXPECT_EQ(0u, countOf("mAVCStyle = "));
+    EXPECT_EQ(0u, mLog.count("mAVCStyle = "));
 }
 
 TEST_F(VideoConfiguration, WindowsMediaExtraDataIsPublished) {
@@ -275,7 +275,7 @@ TEST_F(VideoConfiguration, WindowsMediaExtraDataIsPublished) {
         openVideo(code, extra);
         EXPECT_EQ(extra, buffer(AMEDIAFORMAT_KEY_CSD_0));
         EXPECT_THAT(log(), Contains(verbose("WMV/VC1 extra data in STRF(5):")));
-        EXPECT_EQ(2u, countOf("4e 29 1a 01 77 "));
+        EXPECT_EQ(2u, mLog.count("4e 29 1a 01 77 "));
     }
 }
 

@@ -36,15 +36,15 @@ class VideoFormat : public StreamsFixture {
 TEST_F(VideoFormat, Of40BytesHasNoExtraData) {
     ASSERT_EQ(2u, openWithFormatOf(40));
     EXPECT_EQ(std::nullopt, configuration());
-    EXPECT_EQ(0u, countOf("extra config data"));
-    EXPECT_EQ(0u, countOf("skip invalid codec data"));
+    EXPECT_EQ(0u, mLog.count("extra config data"));
+    EXPECT_EQ(0u, mLog.count("skip invalid codec data"));
 }
 
 TEST_F(VideoFormat, Under40BytesDropsTheStream) {
     for (const size_t size : {0u, 16u, 38u, 39u}) {
         SCOPED_TRACE(size);
         ASSERT_EQ(1u, openWithFormatOf(size));
-        EXPECT_THAT(log(), Contains(Failure("parseSTRF", "3EF")));
+        EXPECT_THAT(mLog, Logged(ANDROID_LOG_ERROR, failureOf("parseSTRF", "3EF")));
         EXPECT_THAT(log(), Contains(dropped()));
     }
 }
@@ -53,7 +53,7 @@ TEST_F(VideoFormat, ThatCannotBeReadDropsTheStream) {
     mAvi = fileOf({mjpegStream(), pcmStream()});
     editStream(mAvi, 0, [](Chunk& strl) { strl.child("strf").marked("strf"); });
     ASSERT_EQ(1u, openUnreadable(mAvi, "strf", 39));
-    EXPECT_THAT(log(), Contains(Failure("parseSTRF", "3EC")));
+    EXPECT_THAT(mLog, Logged(ANDROID_LOG_ERROR, failureOf("parseSTRF", "3EC")));
     EXPECT_THAT(log(), Contains(dropped()));
 }
 
@@ -75,7 +75,7 @@ TEST_F(VideoFormat, UpToThreeExtraBytesAreSkipped) {
 TEST_F(VideoFormat, FourExtraBytesAreKept) {
     ASSERT_EQ(2u, openWithFormatOf(44));
     EXPECT_THAT(log(), Contains(debug("parseSTRF(): Video has 4B extra config data.")));
-    EXPECT_EQ(0u, countOf("skip invalid codec data"));
+    EXPECT_EQ(0u, mLog.count("skip invalid codec data"));
     Bytes expected = patternBytes(64);
     expected.resize(4);
     EXPECT_EQ(expected, configuration());
@@ -99,7 +99,7 @@ TEST_F(VideoFormat, ExtraDataThatCannotBeReadDropsTheStream) {
     mAvi = fileOf({videoWithExtra("WVC1", patternBytes(64)), pcmStream()});
     editStream(mAvi, 0, [](Chunk& strl) { strl.child("strf").marked("strf"); });
     ASSERT_EQ(1u, openUnreadable(mAvi, "strf", 103));
-    EXPECT_THAT(log(), Contains(Failure("parseSTRF", "3EC")));
+    EXPECT_THAT(mLog, Logged(ANDROID_LOG_ERROR, failureOf("parseSTRF", "3EC")));
     EXPECT_THAT(log(), Contains(dropped()));
 }
 
@@ -109,7 +109,7 @@ TEST_F(VideoFormat, ExtraDataBeyondTheEndOfTheFileDropsTheStream) {
     Bytes file = mAvi.build();
     file.resize(mAvi.place("strf").dataOffset + 103);
     EXPECT_EQ(0u, open(file));
-    EXPECT_THAT(log(), Contains(Failure("parseSTRF", "3EC")));
+    EXPECT_THAT(mLog, Logged(ANDROID_LOG_ERROR, failureOf("parseSTRF", "3EC")));
     EXPECT_THAT(log(), Contains(dropped()));
 }
 
@@ -119,7 +119,7 @@ TEST_F(VideoFormat, ExtraDataLongerThanTheFileAllocatesNothing) {
     auto& source = mSources.emplace_back(mMemory.emplace_back(mAvi.build()));
     openSource(source);
     EXPECT_EQ(0u, countTracks());
-    EXPECT_THAT(log(), Contains(Failure("parseSTRF", "3EC")));
+    EXPECT_THAT(mLog, Logged(ANDROID_LOG_ERROR, failureOf("parseSTRF", "3EC")));
     for (const auto& call : source.calls())
         EXPECT_LT(call.size, 0x10000u);
 }
@@ -151,9 +151,9 @@ TEST_F(VideoFormat, SizeAndCodecAreAlwaysLogged) {
                            debug("   height:        240"),
                            debug("   compression:   MJPG(video/x-motion-jpeg)"),
                        }));
-    EXPECT_EQ(0u, countOf("==== AVIBitmapInfo ===="));
-    EXPECT_EQ(0u, countOf("   planes:"));
-    EXPECT_EQ(0u, countOf("BFourCC2MIME"));
+    EXPECT_EQ(0u, mLog.count("==== AVIBitmapInfo ===="));
+    EXPECT_EQ(0u, mLog.count("   planes:"));
+    EXPECT_EQ(0u, mLog.count("BFourCC2MIME"));
 }
 
 TEST_F(VideoFormat, AllFieldsAreLoggedOnRequest) {
@@ -195,7 +195,7 @@ TEST_F(VideoFormat, ExtraDataIsDumpedOnRequest) {
 TEST_F(VideoFormat, ExtraDataIsNotDumpedUnasked) {
     mAvi = fileOf({videoWithExtra("MJPG", {0x00, 0x0F, 0xA0, 0xFF})});
     ASSERT_EQ(1u, open(mAvi));
-    EXPECT_EQ(0u, countOf("00 0f a0 ff"));
+    EXPECT_EQ(0u, mLog.count("00 0f a0 ff"));
 }
 
 TEST_F(VideoFormat, DumpOfSixteenBytesEndsWithALineFeed) {

@@ -28,7 +28,7 @@ class VideoPropertiesChunk : public StreamsFixture {
     void expectRatio(std::optional<int32_t> width, std::optional<int32_t> height) {
         EXPECT_EQ(width, int32Of(0, AMEDIAFORMAT_KEY_SAR_WIDTH));
         EXPECT_EQ(height, int32Of(0, AMEDIAFORMAT_KEY_SAR_HEIGHT));
-        EXPECT_EQ(width ? 1u : 0u, countOf("set kKeySARWidth"));
+        EXPECT_EQ(width ? 1u : 0u, mLog.count("set kKeySARWidth"));
     }
     void expectNoRatio() { expectRatio(std::nullopt, std::nullopt); }
 
@@ -132,15 +132,15 @@ TEST_F(VideoPropertiesChunk, EveryOneIsRead) {
     ASSERT_EQ(1u, open(mAvi));
     EXPECT_EQ(1, int32Of(0, AMEDIAFORMAT_KEY_SAR_WIDTH));
     EXPECT_EQ(2, int32Of(0, AMEDIAFORMAT_KEY_SAR_HEIGHT));
-    EXPECT_EQ(2u, countOf("set kKeySARWidth"));
+    EXPECT_EQ(2u, mLog.count("set kKeySARWidth"));
 }
 
 TEST_F(VideoPropertiesChunk, IsNotLoggedUnasked) {
     add(mProperties.toBytes());
     ASSERT_EQ(1u, open(mAvi));
-    EXPECT_EQ(0u, countOf("parseVPRP"));
-    EXPECT_EQ(0u, countOf("VideoFormatToken"));
-    EXPECT_EQ(0u, countOf("Field-"));
+    EXPECT_EQ(0u, mLog.count("parseVPRP"));
+    EXPECT_EQ(0u, mLog.count("VideoFormatToken"));
+    EXPECT_EQ(0u, mLog.count("Field-"));
 }
 
 TEST_F(VideoPropertiesChunk, FixedFieldsAreLoggedOnRequest) {
@@ -203,7 +203,7 @@ TEST_F(VideoPropertiesChunk, CutFieldDescriptorIsNotLogged) {
     add(payload);
     ASSERT_EQ(1u, openLogged(mAvi));
     EXPECT_THAT(log(), Contains(verbose("FieldPerFrame:       1")));
-    EXPECT_EQ(0u, countOf("Field-0"));
+    EXPECT_EQ(0u, mLog.count("Field-0"));
     EXPECT_THAT(log(), Contains(verbose("parseVPRP(): end...")));
 }
 
@@ -211,7 +211,7 @@ TEST_F(VideoPropertiesChunk, UnderItsFixedPartIsDumpedOnly) {
     add({1, 2, 0xAB, 0xFF});
     ASSERT_EQ(1u, openLogged(mAvi));
     EXPECT_THAT(log(), Contains(verbose("01 02 ab ff ")));
-    EXPECT_EQ(0u, countOf("VideoFormatToken"));
+    EXPECT_EQ(0u, mLog.count("VideoFormatToken"));
     EXPECT_THAT(log(), Contains(verbose("parseVPRP(): end...")));
 }
 
@@ -229,7 +229,7 @@ TEST_F(VideoPropertiesChunk, OfLengthZeroIsOnlyAnnounced) {
     add({});
     ASSERT_EQ(1u, openLogged(mAvi));
     EXPECT_THAT(log(), Contains(verbose(heading(mAvi.place("vprp")))));
-    EXPECT_EQ(0u, countOf("parseVPRP(): end..."));
+    EXPECT_EQ(0u, mLog.count("parseVPRP(): end..."));
 }
 
 TEST_F(VideoPropertiesChunk, ThatCannotBeReadIsOnlyAnnounced) {
@@ -237,15 +237,15 @@ TEST_F(VideoPropertiesChunk, ThatCannotBeReadIsOnlyAnnounced) {
     add(mProperties.toBytes());
     ASSERT_EQ(1u, openUnreadable(mAvi, "vprp", 60));
     EXPECT_THAT(log(), Contains(verbose(heading(mAvi.place("vprp")))));
-    EXPECT_EQ(0u, countOf("VideoFormatToken"));
-    EXPECT_EQ(0u, countOf("parseVPRP(): end..."));
+    EXPECT_EQ(0u, mLog.count("VideoFormatToken"));
+    EXPECT_EQ(0u, mLog.count("parseVPRP(): end..."));
 }
 
 TEST_F(VideoPropertiesChunk, LongestIsRead) {
     add(mProperties.toBytes());
     ASSERT_EQ(1u, openWithLongChunk(mAvi, "vprp", 0x0FFFFFFE));
     expectRatio(9, 16);
-    EXPECT_EQ(streamBytes(mAvi, 0), trackBytes(0));
+    EXPECT_EQ(mAvi.payloads(0), readPayloads(0));
 }
 
 TEST_F(VideoPropertiesChunk, LongerThanAnyIsNotRead) {
@@ -257,8 +257,8 @@ TEST_F(VideoPropertiesChunk, LongerThanAnyIsNotRead) {
         ASSERT_EQ(1u, openWithLongChunk(mAvi, "vprp", size));
         expectNoRatio();
         EXPECT_THAT(log(), Contains(TextWith("size: 268435456) ====")));
-        EXPECT_EQ(0u, countOf("parseVPRP(): end..."));
-        EXPECT_EQ(streamBytes(mAvi, 0), trackBytes(0));
+        EXPECT_EQ(0u, mLog.count("parseVPRP(): end..."));
+        EXPECT_EQ(mAvi.payloads(0), readPayloads(0));
     }
 }
 
