@@ -2,7 +2,7 @@
 #include "tools/avitool/OptionValues.h"
 
 #include <cutils/properties.h>
-#include <CLI/CLI.hpp>
+#include <CLI/Error.hpp>
 
 #include <algorithm>
 #include <charconv>
