@@ -112,13 +112,26 @@ TEST_F(CutBuffers, JustLargeEnoughTakeAFrame) {
     EXPECT_EQ(read, (std::vector<Bytes>{slice(joined({chunk, chunk, chunk, chunk}), 0, 417)}));
 }
 
-// On the device a buffer's size counts more than may be written.
+TEST_F(CutBuffers, AsLargeAsAFrameTakeIt) {
+    const Bytes chunk = frameOf(kHeader | 0x400, 96);  // 48 kHz: frames and buffers of 384
+    const Bytes whole = joined({chunk, chunk, chunk, chunk});
+    EXPECT_EQ(framesOf(mp3Bytes(), {chunk, chunk, chunk, chunk}), (std::vector<Bytes>{whole}));
+}
+
+// On the device a buffer's size counts more than may be written: frames of 417 bytes do not go into
+// buffers for which 416 were asked.
 TEST_F(CutBuffers, LargerThanAskedForAreNotFilled) {
     const Bytes chunk = frameOf(kHeader, 104);
-    openStream(mp3Bytes(), {chunk, chunk});
-    RecordingGroup group(4096);
-    GroupReader reader(track(0), &group);
-    EXPECT_EQ(reader.status(), AMEDIA_ERROR_UNKNOWN);
+    openStream(mp3Bytes(), {chunk, chunk, chunk, chunk, chunk});
+    for (const size_t beyond : {size_t{1}, kReportedBeyond, size_t{4096}}) {
+        SCOPED_TRACE(beyond);
+        RecordingGroup group(0, beyond);
+        GroupReader reader(track(0), &group);
+        for (int i = 0; i < 5; ++i)
+            EXPECT_EQ(reader.status(), AMEDIA_ERROR_UNKNOWN);
+        EXPECT_EQ(reader.status(), AMEDIA_ERROR_END_OF_STREAM);
+        EXPECT_TRUE(group.isUnwrittenBeyond());
+    }
 }
 
 TEST_F(CutBuffers, SmallerThanAskedForAreNotOverrun) {

@@ -76,15 +76,4 @@ Stream mp3Frames(uint16_t tag) {
     return frameAudioStream(tag, 2, kSampleRate, kFrameSamples);
 }
 
-GroupReader::GroupReader(std::unique_ptr<Track> track, RecordingGroup* group)
-    : mTrack(std::move(track)), mGroup(group) {
-    android::CMediaTrack* plain = mTrack->plain();
-    EXPECT_EQ(plain->start(plain->data, group->plain()), AMEDIA_OK);
-}
-
-GroupReader::~GroupReader() {
-    EXPECT_EQ(mTrack->stop(), AMEDIA_OK);
-    EXPECT_EQ(mGroup->heldCount(), 0u);
-}
-
 }  // namespace avitest

@@ -46,21 +46,4 @@ class MpegAudioTest : public ReadingTest {
     }
 };
 
-// A track that reads with a group of the test's making.
-class GroupReader {
-  public:
-    GroupReader(std::unique_ptr<Track> track, RecordingGroup* group);
-    GroupReader(const GroupReader&) = delete;
-    GroupReader& operator=(const GroupReader&) = delete;
-    // Stops the track and expects every buffer back.
-    ~GroupReader();
-
-    ReadResult read() { return mTrack->read(); }
-    media_status_t status() { return read().status; }
-
-  private:
-    std::unique_ptr<Track> mTrack;
-    RecordingGroup* mGroup;  // not owned
-};
-
 }  // namespace avitest

@@ -3,6 +3,7 @@
 // AVC samples with length prefixes come out with start codes.
 
 #include "tests/behaviour/reading/ReadingFixture.h"
+#include "tests/behaviour/reading/RecordingGroup.h"
 
 namespace avitest {
 namespace {
@@ -92,6 +93,31 @@ TEST_F(ReadAvc, RestShorterThanAPrefixIsDropped) {
             EXPECT_EQ(read(width, chunk).bytes.size(), chunk.size());
             EXPECT_EQ(log.count("MALFORMED!!!"), 0u);
         }
+    }
+}
+
+// Not what the buffer held before.
+TEST_F(ReadAvc, LengthThatTheUnitsDoNotFillIsZero) {
+    const Bytes unit = {0x41, 0x9A, 0x01};
+    const Bytes converted = kStartCode + unit;
+    struct Row {
+        unsigned width;
+        Bytes chunk;
+        Bytes expected;
+    };
+    const Row rows[] = {
+        {4, prefixed(4, {}) + prefixed(4, unit) + prefixed(4, {}), converted + Bytes(8)},
+        {4, prefixed(4, unit) + Bytes{7, 8, 9}, converted + Bytes(3)},
+        {2, prefixed(2, unit) + Bytes(20), converted + Bytes(18)},
+        {4, {1, 2, 3}, Bytes(3)},
+        {1, Bytes(5), Bytes(5)},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::PrintToString(row.chunk));
+        openStream(lengthPrefixedStream(row.width), {row.chunk});
+        RecordingGroup group;
+        GroupReader reader(track(0), &group);
+        EXPECT_EQ(sampleOf(reader.read().buffer).bytes, row.expected);
     }
 }
 
