@@ -153,7 +153,7 @@ class NoBufferFor : public CutFailures, public ::testing::WithParamInterface<NoB
 TEST_P(NoBufferFor, ItIsUnknownAndLosesTheRestOfTheChunk) {
     const NoBuffer& row = GetParam();
     openStream(mp3Bytes(), row.chunks);
-    for (const Answer answer : {Answer::kFailure, Answer::kFailureWithBuffer}) {
+    for (const Answer answer : {Answer::kFailure, Answer::kNoMemory, Answer::kFailureWithBuffer}) {
         RecordingGroup group;
         group.answer(row.acquisition, answer);
         GroupReader reader(track(0), &group);

@@ -3,6 +3,8 @@
 // Reads that the file or the buffer group lets down: their status, their line in the log, and that
 // no buffer is lost.
 
+#include <optional>
+
 #include "tests/behaviour/reading/ReadingFixture.h"
 #include "tests/behaviour/reading/RecordingGroup.h"
 
@@ -11,6 +13,26 @@ namespace {
 
 using android::CMediaBuffer;
 using android::CMediaTrack;
+
+// A source that gives its size as a test wants.
+class SourceOfAnySize : public MemorySource {
+  public:
+    using MemorySource::MemorySource;
+    // What getSize() stores and returns from now on.
+    void setSize(off64_t size, android::status_t status) {
+        mSize = size;
+        mStatus = status;
+    }
+    android::status_t getSize(off64_t* size) override {
+        if (!mSize) return MemorySource::getSize(size);
+        *size = *mSize;
+        return mStatus;
+    }
+
+  private:
+    std::optional<off64_t> mSize;
+    android::status_t mStatus = android::OK;
+};
 
 class ReadFailures : public ReadingTest {
   protected:
@@ -95,14 +117,18 @@ TEST_F(ReadFailures, ChunkCutByTheEndOfTheFileEndsTheStream) {
 }
 
 TEST_F(ReadFailures, ChunkThatEndsWithTheFileIsWhole) {
-    AviFile avi = fileOf(alawStream(), mChunks);
-    putIndexFirst(avi);
-    Bytes file = avi.build();
-    const ChunkPlace place = avi.chunks(0)[1].place;
-    file.resize(place.dataOffset + place.dataSize);
-    openFile(file);
+    // A unit of one byte behind a length prefix that looks like its start code.
+    const Bytes chunk = ByteWriter().u32(0x01000000).bytes(patternBytes(1)).take();
+    for (const Stream& stream : {alawStream(), lengthPrefixedStream(4)}) {
+        AviFile avi = fileOf(stream, {chunk, chunk, chunk});
+        putIndexFirst(avi);
+        Bytes file = avi.build();
+        const ChunkPlace place = avi.chunks(0)[1].place;
+        file.resize(place.dataOffset + place.dataSize);
+        openFile(file);
 
-    EXPECT_EQ(readPayloads(0), (std::vector<Bytes>{mChunks[0], mChunks[1]}));
+        EXPECT_EQ(readPayloads(0), (std::vector<Bytes>{chunk, chunk}));
+    }
 }
 
 TEST_F(ReadFailures, ShortReadOfTheLastBytesOfTheFileEndsTheStream) {
@@ -148,6 +174,38 @@ TEST_F(ReadFailures, ShortReadOfASourceWithoutSizeEndsTheStream) {
     EXPECT_EQ(started.status(), AMEDIA_ERROR_END_OF_STREAM);
 }
 
+// A size that is stored along with a failure is none.
+TEST_F(ReadFailures, AcquisitionForWiderSamplesThatFailsGoesByTheSizeOfTheSource) {
+    struct Row {
+        off64_t size;
+        android::status_t status;
+        media_status_t expected;
+    };
+    const Row rows[] = {{1, android::OK, AMEDIA_ERROR_UNKNOWN},
+                        {0, android::OK, AMEDIA_ERROR_END_OF_STREAM},
+                        {-1, android::OK, AMEDIA_ERROR_END_OF_STREAM},
+                        {100000, android::UNKNOWN_ERROR, AMEDIA_ERROR_END_OF_STREAM}};
+    AviFile avi = fileOf(pcmStream(1, 8000, 8), mChunks);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.size);
+        SourceOfAnySize source(avi.build());
+        openSource(source);
+        ASSERT_EQ(countTracks(), 1u);
+        source.setSize(row.size, row.status);
+        EXPECT_EQ(readOnce(1, RecordingGroup::Answer::kFailure), row.expected);
+    }
+}
+
+TEST_F(ReadFailures, FileOfASizeThatComesWithAFailureIsNotParsed) {
+    const Bytes file = fileOf(alawStream(), mChunks).build();
+    for (const android::status_t status : {android::OK, android::UNKNOWN_ERROR}) {
+        SourceOfAnySize source(file);
+        source.setSize(static_cast<off64_t>(file.size()), status);
+        openSource(source);
+        EXPECT_EQ(countTracks(), status == android::OK ? 1u : 0u);
+    }
+}
+
 TEST_F(ReadFailures, SourceWithoutSizeIsReadAllTheSame) {
     for (const Stream& stream : {alawStream(), lengthPrefixedStream(4)}) {
         AviFile avi = fileOf(stream, mChunks);
@@ -164,7 +222,7 @@ TEST_F(ReadFailures, SourceWithoutSizeIsReadAllTheSame) {
 TEST_F(ReadFailures, AcquisitionThatFailsIsUnknown) {
     using Answer = RecordingGroup::Answer;
     openStream(alawStream(), mChunks);
-    for (const Answer answer : {Answer::kFailure, Answer::kFailureWithBuffer}) {
+    for (const Answer answer : {Answer::kFailure, Answer::kNoMemory, Answer::kFailureWithBuffer}) {
         LogCapture log;
         EXPECT_EQ(readOnce(0, answer), AMEDIA_ERROR_UNKNOWN);
         EXPECT_THAT(log, Logged(ANDROID_LOG_ERROR, "read(): error -2710 @line"));
@@ -174,7 +232,7 @@ TEST_F(ReadFailures, AcquisitionThatFailsIsUnknown) {
 TEST_F(ReadFailures, AcquisitionForWiderSamplesThatFailsIsUnknown) {
     using Answer = RecordingGroup::Answer;
     openStream(pcmStream(1, 8000, 8), mChunks);
-    for (const Answer answer : {Answer::kFailure, Answer::kFailureWithBuffer}) {
+    for (const Answer answer : {Answer::kFailure, Answer::kNoMemory, Answer::kFailureWithBuffer}) {
         LogCapture log;
         EXPECT_EQ(readOnce(1, answer), AMEDIA_ERROR_UNKNOWN);
         EXPECT_THAT(log, Logged(ANDROID_LOG_ERROR, "[audio/raw][0][0/3] Unknown error(-2710) @L"));

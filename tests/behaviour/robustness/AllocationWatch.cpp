@@ -27,6 +27,8 @@ std::atomic<size_t> gLargest{0};
 std::atomic<int64_t> gHeld{0};
 std::atomic<int64_t> gHighest{0};
 std::atomic<int64_t> gHeldAtStart{0};
+std::atomic<size_t> gRefused{SIZE_MAX};
+std::atomic<size_t> gRefusals{0};
 
 template <typename T>
 void raise(std::atomic<T>* to, T value) {
@@ -92,6 +94,10 @@ void* __libc_realloc(void* memory, size_t size);
 void __libc_free(void* memory);
 
 AVI_EXPORTED void* malloc(size_t size) noexcept {
+    if (size == gRefused) {
+        ++gRefusals;
+        return nullptr;
+    }
     return noted(__libc_malloc(size), size);
 }
 
@@ -131,6 +137,27 @@ size_t AllocationWatch::largest() const {
 
 size_t AllocationWatch::peak() const {
     return static_cast<size_t>(std::max<int64_t>(0, gHighest - gHeldAtStart));
+}
+
+NoMemoryFor::NoMemoryFor(size_t size) {
+    gRefusals = 0;
+    gRefused = size;
+}
+
+NoMemoryFor::~NoMemoryFor() {
+    gRefused = SIZE_MAX;
+}
+
+size_t NoMemoryFor::refusals() const {
+    return gRefusals;
+}
+
+bool NoMemoryFor::isPossible() {
+#ifdef AVI_SANITIZER_OWNS_MALLOC
+    return false;
+#else
+    return true;
+#endif
 }
 
 }  // namespace avitest

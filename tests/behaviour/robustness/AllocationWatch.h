@@ -22,4 +22,19 @@ class AllocationWatch {
     size_t peak() const;
 };
 
+// As long as an object of this class lives there is no memory for requests of exactly `size` bytes:
+// a size that only the allocation under test asks for. One object at a time.
+class NoMemoryFor {
+  public:
+    explicit NoMemoryFor(size_t size);
+    NoMemoryFor(const NoMemoryFor&) = delete;
+    NoMemoryFor& operator=(const NoMemoryFor&) = delete;
+    ~NoMemoryFor();
+
+    // How many requests were refused so far.
+    size_t refusals() const;
+    // Whether this program can refuse at all: the allocator of a sanitizer cannot be told to.
+    static bool isPossible();
+};
+
 }  // namespace avitest
