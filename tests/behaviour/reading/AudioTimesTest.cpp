@@ -41,6 +41,16 @@ TEST_F(AudioTimes, WithoutSampleSizeChunksShareTheDuration) {
     EXPECT_EQ(timesWith(stream, {20, 300, 7}), (std::vector<int64_t>{0, 333333, 666666}));
 }
 
+// Also those of raw AAC, though each of its chunks is a frame of the stream's own rate.
+TEST_F(AudioTimes, WithoutSampleSizeChunksOfRawAacShareTheDuration) {
+    Stream stream = frameAudioStream(0xFF, 2, 8000, 1024);
+    stream.header.scale = 1;
+    stream.header.rate = 4;
+    stream.header.length = 12;  // three seconds
+    EXPECT_EQ(timesOf(stream, {371, 380, 300}), (std::vector<int64_t>{0, 1000000, 2000000}));
+    EXPECT_EQ(timesOf(stream, {371, 371, 371}), (std::vector<int64_t>{0, 1000000, 2000000}));
+}
+
 TEST_F(AudioTimes, WithoutSampleSizeTheClampedDurationIsShared) {
     AviFile avi;
     const size_t video = avi.addStream(mjpegStream());

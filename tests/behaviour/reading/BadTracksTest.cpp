@@ -21,6 +21,24 @@ class BadTracks : public ReadingTest {
         openFile(avi.build());
     }
 
+    // A good video track and an audio track that has nothing to read but can be started: without
+    // idx1 in the first segment the largest sample is the one of the header.
+    void openWithEmptyTable() {
+        AviFile avi;
+        const size_t video = avi.addStream(mjpegStream());
+        Stream audio = alawStream();
+        audio.header.sampleSize = 4;
+        avi.addStream(audio);
+        avi.stream(video).header.length = 100;
+        avi.segment().index.copies = 0;
+        Segment& segment = avi.addSegment();
+        segment.index.copies = 1;
+        segment.riffSize = 0x10000000;
+        avi.addChunk(video, patternBytes(40));
+        openFile(avi.build());
+        ASSERT_EQ(countTracks(), 2u);
+    }
+
     std::string mime(size_t track) {
         return trackFormat(track).getString(AMEDIAFORMAT_KEY_MIME).value_or("none");
     }
@@ -105,27 +123,28 @@ TEST_F(BadTracks, SubtitlesAloneMakeAFile) {
     EXPECT_EQ(mime(0), "text/vobsub");
 }
 
-// Without idx1 in the first segment the largest sample is the one of the header, so that the track
-// can be started though it has nothing to read.
 TEST_F(BadTracks, EmptyTableEndsAtOnce) {
-    AviFile avi;
-    const size_t video = avi.addStream(mjpegStream());
-    Stream audio = alawStream();
-    audio.header.sampleSize = 4;
-    avi.addStream(audio);
-    avi.stream(video).header.length = 100;
-    avi.segment().index.copies = 0;
-    Segment& segment = avi.addSegment();
-    segment.index.copies = 1;
-    segment.riffSize = 0x10000000;
-    avi.addChunk(video, patternBytes(40));
-    openFile(avi.build());
-    ASSERT_EQ(countTracks(), 2u);
-
+    openWithEmptyTable();
     LogCapture log;
     StartedTrack started(track(1));
     EXPECT_EQ(started.status(), AMEDIA_ERROR_END_OF_STREAM);
     EXPECT_THAT(log, Logged(ANDROID_LOG_ERROR, "[audio/x-unknown][1] end of stream @L"));
+}
+
+// Its records are not asked for the time of a seek.
+TEST_F(BadTracks, EmptyTableEndsBeforeASeek) {
+    setProperty(kExtractLogProperty, "1");
+    setProperty(kVerboseLogProperty, "1");
+    openWithEmptyTable();
+    StartedTrack video(track(0));
+    StartedTrack audio(track(1));
+    EXPECT_EQ(video.track().read(android::SEEK, 0).status, AMEDIA_OK);
+    for (const int64_t timeUs : {0, 1, 5000000}) {
+        const LogCapture log;
+        EXPECT_EQ(audio.track().read(android::SEEK, timeUs).status, AMEDIA_ERROR_END_OF_STREAM);
+        ASSERT_EQ(log.lines().size(), 1u);
+        EXPECT_THAT(log, Logged(ANDROID_LOG_ERROR, "[audio/x-unknown][1] end of stream @L"));
+    }
 }
 
 }  // namespace

@@ -78,6 +78,24 @@ TEST_F(ReadVc1, FrameShorterThanAStartCodeGetsOne) {
     }
 }
 
+// The type goes by the fifth byte of what is handed out: behind an inserted start code that is the
+// frame's first.
+TEST_F(ReadVc1, FrameIsTypedWithItsStartCode) {
+    struct Row {
+        Bytes chunk;
+        const char* type;
+    };
+    const Row rows[] = {
+        {{0x82, 0, 0, 0, 0x00, 0}, "P"}, {{0x80, 0, 0, 0, 0x02, 0}, "I"}, {{0x82}, "P"},
+        {{0, 0, 1, 0x0D, 0x82, 0}, "P"}, {{0, 0, 1, 0x0D, 0x80, 2}, "I"}, {{0, 0, 1, 0x0D}, "N/A"}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::PrintToString(row.chunk));
+        const LogCapture log;
+        read(row.chunk, kKey);
+        EXPECT_EQ(log.count("[video/wvc1][0][0/1][" + std::string(row.type) + "] DTS/OFF/"), 1u);
+    }
+}
+
 TEST_F(ReadVc1, BytesBehindTheFrameAreNotLookedAt) {
     AviFile avi;
     avi.addChunk(avi.addStream(vc1Stream()), {0, 0, 1, 0x0D}, kKey);
