@@ -2,6 +2,7 @@
 //
 // Which tracks lead, which follow, and by which number.
 
+#include "tests/behaviour/reading/RecordingGroup.h"
 #include "tests/behaviour/seeking/BlockFile.h"
 #include "tests/behaviour/seeking/FollowingFixture.h"
 
@@ -67,6 +68,53 @@ TEST_F(FollowingKinds, VideoOfUnknownCompressionLeads) {
     EXPECT_EQ(chunkAt(1, kPrevious, kAskedUs), kFirstLanded);
 }
 
+// What it is called decides, not how it is sought: in lower case the subtitles' FourCC is that of a
+// video stream.
+TEST_F(FollowingKinds, TextInAVideoStreamNeitherLeadsNorForgets) {
+    setProperty(kVerboseLogProperty, "1");
+    AviFile avi;
+    addFrames(avi, avi.addStream(mpeg4Stream()), groups(10, 10));
+    addFrames(avi, avi.addStream(videoStream("dxsb", 320, 240, 25)), groups(5, 20), 21);
+    addAudio(avi, avi.addStream(alawStream()), std::vector<size_t>(40, 800));
+    open(avi);
+    ASSERT_EQ(trackFormat(1).getString(AMEDIAFORMAT_KEY_MIME), "text/vobsub");
+    EXPECT_EQ(chunkAt(0, kPrevious, kAskedUs), 30);
+    const LogCapture log;
+    EXPECT_EQ(chunkAt(1, kPrevious, kAskedUs), 20);
+    EXPECT_EQ(log.count("seekTime @") + log.count("reset seekTime"), 0u);
+    EXPECT_EQ(chunkAt(2, kPrevious, kAskedUs), kFirstLanded);
+}
+
+TEST_F(FollowingKinds, AudioInAVideoStreamDoesNotLead) {
+    setProperty(kVerboseLogProperty, "1");
+    AviFile avi;
+    addFrames(avi, avi.addStream(mpeg4Stream()), groups(10, 10));
+    addFrames(avi, avi.addStream(videoStream("mp4a", 320, 240, 25)), groups(5, 20), 21);
+    addAudio(avi, avi.addStream(alawStream()), std::vector<size_t>(40, 800));
+    open(avi);
+    ASSERT_EQ(trackFormat(1).getString(AMEDIAFORMAT_KEY_MIME), "audio/mp4a-latm");
+    EXPECT_EQ(chunkAt(0, kPrevious, kAskedUs), 30);
+    const LogCapture log;
+    EXPECT_EQ(chunkAt(1, kPrevious, kAskedUs), 20);
+    EXPECT_EQ(log.count("set seekTime @"), 0u);
+    EXPECT_EQ(log.count("[audio/mp4a-latm][1][20/100][I] reset seekTime to -1 after seeking."), 1u);
+    EXPECT_EQ(chunkAt(2, kPrevious, kAskedUs), kFirstLanded);
+}
+
+TEST_F(FollowingKinds, FourAudioTracksFollowEachForItself) {
+    AviFile avi;
+    addFrames(avi, avi.addStream(mpeg4Stream()), groups(10, 10));
+    for (int i = 0; i < 4; ++i)
+        addAudio(avi, avi.addStream(alawStream()), std::vector<size_t>(40, 800));
+    open(avi);
+    chunkAt(0, kPrevious, kAskedUs);
+    for (const size_t index : {4, 2, 3, 1}) {
+        SCOPED_TRACE(index);
+        EXPECT_EQ(chunkAt(index, kPrevious, kAskedUs), kFirstLanded);
+        EXPECT_EQ(chunkAt(index, kPrevious, kAskedUs), kFirstAsked);
+    }
+}
+
 TEST_F(FollowingKinds, EveryVideoTrackLeads) {
     AviFile avi;
     addFrames(avi, avi.addStream(mpeg4Stream()), groups(10, 10));
@@ -119,6 +167,30 @@ TEST_F(FollowingKinds, RawAacFollows) {
     chunkAt(0, kPrevious, kAskedUs);
     EXPECT_EQ(chunkAt(1, kPrevious, kAskedUs), 12);
     EXPECT_EQ(chunkAt(1, kPrevious, kAskedUs), 13);
+}
+
+// The landing chunk was loaded: what becomes of its samples does not matter.
+TEST_F(FollowingKinds, AudioThatFindsNoBufferForItsSamplesForgets) {
+    const Bytes frame = ByteWriter().bytes(Bytes{0xFF, 0xFB, 0x90, 0}).fill(413, 0x11).take();
+    const Bytes chunk = ByteWriter().bytes(frame).bytes(frame).cut(800).take();
+    for (const uint16_t tag : {uint16_t{1}, uint16_t{0x55}}) {
+        SCOPED_TRACE(tag);
+        AviFile avi;
+        addFrames(avi, avi.addStream(mpeg4Stream()), groups(10, 10));
+        const size_t audio = avi.addStream(audioStream(tag, 1, 8000, 8000, 1, 8));
+        for (int i = 0; i < 40; ++i)
+            avi.addChunk(audio, chunk);
+        open(avi);
+        chunkAt(0, kPrevious, kAskedUs);
+        RecordingGroup group;
+        group.answer(1, RecordingGroup::Answer::kFailure);
+        GroupReader reader(track(1), &group);
+        const LogCapture log;
+        EXPECT_EQ(reader.track().read(android::SEEK, kAskedUs).status, AMEDIA_ERROR_UNKNOWN);
+        EXPECT_EQ(log.count("[1][12/40] Unknown error(-2710) @L"), 1u);
+        EXPECT_EQ(reader.track().read(android::SEEK, kAskedUs).status, AMEDIA_OK);
+        EXPECT_EQ(log.count("[1][13/40] DTS/OFF/"), 1u);
+    }
 }
 
 // Also for MPEG audio, whose samples are frames of a chunk: times count from the landing.

@@ -160,6 +160,12 @@ TEST_F(UntrustedVideo, EmptyFrameIsNoKeyFrame) {
     EXPECT_EQ(chunkAt(0, kNext, 2 * kFrameUs), kEndOfStream);
 }
 
+TEST_F(UntrustedVideo, EmptyFrameIsNotLookedAt) {
+    openKinds("IP--PP");
+    EXPECT_EQ(readsOfSeek(kNext, 2 * kFrameUs), readsOf({4, 5}));
+    EXPECT_EQ(readsOfSeek(kPrevious, 3 * kFrameUs), readsOf({1, 0, 0, 1}));
+}
+
 TEST_F(UntrustedVideo, FramesTooShortToBeTyped) {
     openFrames(mpeg4Stream(), {mpeg4Frame('I', 0), Bytes{0, 0, 1, 0xB6}, mpeg4Frame('P', 2)});
     EXPECT_EQ(chunkAt(0, kPrevious, 2 * kFrameUs), 0);
