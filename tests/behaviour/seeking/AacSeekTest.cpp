@@ -55,6 +55,16 @@ TEST_F(AacSeek, VariableRateCountsFrames) {
                     {INT64_MAX, kEndOfStream}});
 }
 
+// Times in the middle of a frame, where the rounding of each product and quotient decides.
+TEST_F(AacSeek, VariableRateCountsInFloats) {
+    std::vector<size_t> sizes;
+    for (size_t i = 0; i < 70; ++i)
+        sizes.push_back(300 + i);
+    openSizes(aacBytes(), sizes);
+    ASSERT_TRUE(mVariable);
+    expectLandings({{499229, 21}, {1010068, 44}, {1497687, 64}, {1520907, 66}});
+}
+
 TEST_F(AacSeek, VariableRateOfNoScaleIsTheFirstFrame) {
     Stream stream = aacBytes();
     stream.header.scale = 0;
@@ -114,10 +124,19 @@ TEST_F(AacSeek, WithoutSampleSizeFramesShareTheDuration) {
     stream.header.sampleSize = 0;
     stream.header.scale = 1;
     stream.header.rate = 4;
-    stream.header.length = 4;  // one second
-    openSizes(stream, {371, 380, 300, 371});
-    ASSERT_TRUE(mVariable);
-    expectLandings({{0, 0}, {124000, 0}, {126000, 1}, {874000, 3}, {876000, kEndOfStream}});
+    for (const int64_t seconds : {1, 3}) {
+        SCOPED_TRACE(seconds);
+        stream.header.length = static_cast<uint32_t>(4 * seconds);
+        openSizes(stream, {371, 380, 300, 371});
+        ASSERT_TRUE(mVariable);
+        expectLandings({{0, 0},
+                        {124000 * seconds, 0},
+                        {126000 * seconds, 1},
+                        {874000 * seconds, 3},
+                        {876000 * seconds, kEndOfStream}});
+        StartedTrack audio(track(0));
+        EXPECT_EQ(seek(audio, kPrevious, 500000 * seconds).timeUs, 500000 * seconds);
+    }
 }
 
 }  // namespace

@@ -122,6 +122,14 @@ TEST_F(AudioSeek, FramesShareTheDuration) {
     expectEndAtFarTimes();
 }
 
+// Times in the middle of a chunk, where the rounding of the quotient and of the product decides.
+TEST_F(AudioSeek, FramesShareTheDurationInFloats) {
+    Stream stream = frameStream();
+    stream.header.length = 500;  // ten seconds
+    openSizes(stream, std::vector<size_t>(100, 20));
+    expectLandings({{1450000, 15}, {2650000, 26}});
+}
+
 TEST_F(AudioSeek, FramesOfNoDurationAreTheFirst) {
     Stream stream = frameStream();
     stream.header.length = 0;

@@ -38,6 +38,18 @@ TEST_F(BlockSeek, LandsOnTheBlockThatHoldsTheTime) {
     }
 }
 
+// As frames of video do.
+TEST_F(BlockSeek, BlockNumbersHaveThePrecisionOfAFloat) {
+    openChunks({2, 3, 1, 4});
+    const std::pair<int, int> kRows[] = {
+        {8388609, 8388609}, {16777215, 16777215}, {16777217, 16777216}, {16777219, 16777220}};
+    for (const auto& [block, calculated] : kRows) {
+        const LogCapture log;
+        EXPECT_EQ(chunkAt(0, kPrevious, inBlock(block)), kEndOfStream);
+        EXPECT_EQ(log.count("Calculated seekBlocks " + std::to_string(calculated) + " @"), 1u);
+    }
+}
+
 TEST_F(BlockSeek, EdgesOfABlock) {
     openChunks({2, 3, 1, 4});
     StartedTrack audio(track(0));

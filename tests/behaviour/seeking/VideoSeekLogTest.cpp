@@ -55,6 +55,17 @@ TEST_F(VideoSeekLog, BackwardWalkOfATrustedIndex) {
     }
 }
 
+// Whole frames become a float of 24 bits; the half is added in double precision.
+TEST_F(VideoSeekLog, FrameNumbersHaveThePrecisionOfAFloat) {
+    openTrusted();
+    const std::pair<int64_t, int> kRows[] = {
+        {8388609, 8388609}, {16777215, 16777215}, {16777217, 16777216}, {16777219, 16777220}};
+    for (const auto& [frames, index] : kRows) {
+        for (const int64_t timeUs : {frames * kFrameUs, (frames + 1) * kFrameUs - 1})
+            EXPECT_THAT(landingTexts(kPrevious, timeUs), Contains(calculated(index, timeUs)));
+    }
+}
+
 TEST_F(VideoSeekLog, ForwardWalkOfATrustedIndex) {
     openTrusted();
     EXPECT_THAT(landingTexts(kNext, 3100000),
