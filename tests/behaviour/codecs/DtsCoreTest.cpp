@@ -123,6 +123,17 @@ TEST_F(DtsCore, SyncCutByTheEndOfTheSampleIsNone) {
     }
 }
 
+// A sync word at the very end of a sample is not looked at.
+TEST_F(DtsCore, SyncIsLookedForUpToTheFifthByteFromTheEnd) {
+    const Bytes sync = {0x1F, 0xFF, 0xE8, 0x00};
+    openFirst(Bytes(20, 0x11) + sync + Bytes{0x22});
+    expectFormat(kDts, 2, 48000);
+    EXPECT_TRUE(
+        logged(debug("[audio/vnd.dts] offset 20, dtsType 0, chanCount 2, sampleRate 48000")));
+    openFirst(Bytes(20, 0x11) + sync);
+    expectNoFrame();
+}
+
 TEST_F(DtsCore, OtherSyncsAreNone) {
     for (const uint32_t word : {0xFE7F0180u, 0xFF1F00E8u, 0x7FFE8000u, 0x64582026u}) {
         SCOPED_TRACE(word);

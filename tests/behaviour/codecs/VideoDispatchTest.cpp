@@ -72,6 +72,29 @@ TEST_F(VideoDispatch, CodecsWithoutABuilderGetTheRatioOnly) {
     }
 }
 
+// Readers of the log find the container's ratio before that of the stream.
+TEST_F(VideoDispatch, RatioIsLoggedBeforeTheConfiguration) {
+    struct Row {
+        ChunkId fourcc;
+        Bytes first;
+        const char* text;
+    };
+    const Row rows[] = {
+        {"H264", unit4({0x65, 1, 2, 3}), "generateAvcCodecData(): No SPS found!!!"},
+        {"HEVC", unit4({0x65, 1, 2, 3}), "generateHevcCodecData(): Found no sequence start!"},
+        {"MPG2", unit3({0x00, 1, 2, 3}), "Something wrong to generateMPEG2CodecData."}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.text);
+        openSamples(videoStream(row.fourcc, 320, 240, 25), videoSamples(row.first));
+        std::vector<std::string> order;
+        for (const LogLine& line : log()) {
+            if (line == kDefaultRatio) order.push_back("ratio");
+            if (line.text.find(row.text) == 0) order.push_back("configuration");
+        }
+        EXPECT_EQ(order, (std::vector<std::string>{"ratio", "configuration"}));
+    }
+}
+
 TEST_F(VideoDispatch, MimeTypeIsLoggedOnlyWithTheExtractLog) {
     openMjpeg(10);
     EXPECT_EQ(mLog.count("generateCodecData for"), 0u);

@@ -88,6 +88,20 @@ TEST_F(AudioCodec, ImaAdpcmTakesFourBits) {
     expectWidths(0x0011, {4});
 }
 
+TEST_F(AudioCodec, WidthsCountWithTheirUpperByte) {
+    for (const uint16_t bits : {0x0104, 0x0108, 0x0110, 0x0118, 0x1020, 0x8008, 0xFF10}) {
+        for (const uint16_t tag : {0x0001, 0x0002, 0x0006, 0x0007, 0x0011})
+            EXPECT_FALSE(takesWidth(tag, bits)) << format("tag 0x%04x, %u bits", tag, bits);
+    }
+}
+
+// The extra size follows the width in the stream format.
+TEST_F(AudioCodec, WidthsAreOf16Bits) {
+    Stream stream = pcmStream();
+    std::get<WaveFormat>(stream.format).extra = patternBytes(6);
+    EXPECT_TRUE(becomesTrack(stream));
+}
+
 TEST_F(AudioCodec, OtherCodecsTakeAnyWidth) {
     for (const uint16_t tag : {0x0057, 0x00FF, 0x0161, 0x2000, 0x2001, 0x1234, 0xFFFE}) {
         for (const uint16_t bits : {0, 4, 8, 12, 16, 65535})
@@ -109,6 +123,10 @@ class ExtensibleAudio : public StreamsFixture {
     void openExtensible(const Bytes& extra, uint16_t bits = 16) {
         Stream stream = audioWithExtra(0xFFFE, extra);
         std::get<WaveFormat>(stream.format).bitsPerSample = bits;
+        openUnreadable(stream);
+    }
+
+    void openUnreadable(const Stream& stream) {
         AviFile avi = fileOf({stream});
         const Bytes file = avi.build();
         std::vector<Fault> faults;
@@ -167,6 +185,18 @@ TEST_F(ExtensibleAudio, CutIdentifierIsPcm) {
 
 TEST_F(ExtensibleAudio, WithoutExtraDataIsUnknown) {
     openExtensible({});
+    EXPECT_EQ("audio/x-unknown", mime(0));
+}
+
+TEST_F(ExtensibleAudio, WithExtraDataOfNoBytesIsUnknown) {
+    Stream stream = audioWithExtra(0xFFFE, {});
+    std::get<WaveFormat>(stream.format).bitsPerSample = 16;
+    stream.edit = [](Chunk& strl) {
+        Bytes& payload = strl.child("strf").payload;
+        payload.resize(16);
+        payload.insert(payload.end(), {0, 0, 0xA1, 0xA2});  // a size of 0, and bytes behind it
+    };
+    openUnreadable(stream);
     EXPECT_EQ("audio/x-unknown", mime(0));
 }
 

@@ -243,6 +243,18 @@ TEST_F(AudioFormat, FiveChannelsArePublishedAsSix) {
     }
 }
 
+TEST_F(AudioFormat, FiveChannelsOfEveryOtherTagArePublishedAsSix) {
+    for (const uint16_t tag : {0x0002, 0x0006, 0x0007, 0x0011, 0x0050, 0x0055, 0x0057, 0x0160,
+                               0x0161, 0x0162, 0x1234, 0x2000, 0x2001, 0x7A21, 0xFFFD, 0xFFFF}) {
+        SCOPED_TRACE(format("0x%04x", tag));
+        Stream stream = audioOfTag(tag);
+        std::get<WaveFormat>(stream.format).channels = 5;
+        mAvi = fileOf({stream});
+        ASSERT_EQ(1u, open(mAvi));
+        EXPECT_EQ(6, int32Of(0, AMEDIAFORMAT_KEY_CHANNEL_COUNT));
+    }
+}
+
 TEST_F(AudioFormat, FiveChannelsOfTheExtensibleFormatStayFive) {
     Stream stream = audioWithExtra(0xFFFE, ExtensibleFormat().toBytes());
     std::get<WaveFormat>(stream.format).channels = 5;

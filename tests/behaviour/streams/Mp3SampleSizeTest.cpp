@@ -13,16 +13,17 @@ namespace {
 
 constexpr uint32_t kRate = 44100;
 
-// Streams of 44100 samples and 16000 bytes a second.
+// Streams of 44100 samples a second.
 struct Mp3Header {
     uint32_t scale = 1152;
     uint32_t rate = kRate;
     uint16_t block = 1152;
     uint32_t sampleSize = 0;
+    uint32_t bytesPerSec = 16000;
 };
 
 Stream mp3Stream(const Mp3Header& header, uint16_t tag = 0x55) {
-    Stream result = frameAudioStream(tag, 2, kRate, header.block, 16000);
+    Stream result = frameAudioStream(tag, 2, kRate, header.block, header.bytesPerSec);
     result.header.scale = header.scale;
     result.header.rate = header.rate;
     result.header.sampleSize = header.sampleSize;
@@ -38,9 +39,9 @@ class Mp3SampleSize : public StreamsFixture {
         mLog.clear();
         ASSERT_EQ(1u, open(avi));
         EXPECT_THAT(
-            log(),
-            Contains(debug(format("[audio/mpeg] S %u R %u SSZ %u BLKA %u BPS 0 SPS %u AVGBPS 16000",
-                                  header.scale, header.rate, expected, header.block, kRate))));
+            log(), Contains(debug(format(
+                       "[audio/mpeg] S %u R %u SSZ %u BLKA %u BPS 0 SPS %u AVGBPS %u", header.scale,
+                       header.rate, expected, header.block, kRate, header.bytesPerSec))));
     }
 };
 
@@ -70,6 +71,7 @@ TEST_F(Mp3SampleSize, WithoutBlockIsKept) {
 
 TEST_F(Mp3SampleSize, WithoutScaleIsKept) {
     expectSize({0, kRate, 1152, 417}, 417);
+    expectSize({0, kRate, 65535, 417}, 417);  // though no whole block takes a second either
 }
 
 TEST_F(Mp3SampleSize, ZeroWithTheFramesRateIsKept) {
@@ -85,7 +87,14 @@ TEST_F(Mp3SampleSize, ZeroWithoutBlockComparesWithLayerThreeFrames) {
 TEST_F(Mp3SampleSize, ZeroWithAnotherRateCountsTheBytesOfAUnit) {
     expectSize({2, 78, 1152, 0}, 410);     // 16000 * 2 / 78
     expectSize({1152, kRate, 4, 0}, 417);  // 16000 * 1152 / 44100
-    expectSize({576, kRate, 0, 0}, 208);   // 16000 * 576 / 44100
+    expectSize({1152, kRate, 1, 0}, 417);
+    expectSize({576, kRate, 0, 0}, 208);  // 16000 * 576 / 44100
+}
+
+TEST_F(Mp3SampleSize, ZeroCountsTheBytesOfAUnitBeyond32Bits) {
+    expectSize({1152, kRate, 4, 0, 16000000}, 417959);  // 18432000000 / 44100
+    expectSize({50000, kRate, 4, 0, 100000}, 113378);   // 5000000000 / 44100
+    expectSize({0x7FFFFFFF, kRate, 4, 0, 0x7FFFFFFF}, 0xFFFFFFFF);
 }
 
 TEST_F(Mp3SampleSize, ZeroWithoutScaleStaysZero) {
