@@ -103,6 +103,22 @@ TEST_F(ChunkLine, TellsOfSubtitles) {
                                    offsetOf(avi, 0, 0), thread())));
 }
 
+// Only video has key flags that can be wrong.
+TEST_F(ChunkLine, TellsOfNoBrokenIndexForSoundAndSubtitles) {
+    AviFile avi = fileOf(mjpegStream(), chunksOf(2));
+    avi.addChunk(avi.addStream(alawStream()), patternBytes(30));
+    avi.addChunk(avi.addStream(subtitleStream()), subtitleChunk("00:00:01.500", "00:00:02.000"));
+    avi.segment().index.copies = 0;
+    readTracks(&avi, 3);
+    ASSERT_THAT(chunkLines(), SizeIs(4));
+    EXPECT_NE(std::string::npos, chunkLines()[0].find("BRKIX/SSZ/TID=(0 "));
+    EXPECT_NE(std::string::npos, chunkLines()[0].find(format(" * 1 0 %d)", thread())));
+    EXPECT_NE(std::string::npos, chunkLines()[2].find("BLCKM/SSZ/TID=(0 "));
+    EXPECT_NE(std::string::npos, chunkLines()[2].find(format(" * 0 1 %d)", thread())));
+    EXPECT_NE(std::string::npos, chunkLines()[3].find("BRKIX/SSZ/TID=(1500000 "));
+    EXPECT_NE(std::string::npos, chunkLines()[3].find(format(" * 0 0 %d)", thread())));
+}
+
 TEST_F(ChunkLine, TellsOfAvcAndHevc) {
     openStream(videoStream("H264", 320, 240, 25), {{0, 0, 1, 0x65, 0x88, 1, 2}});
     readAll(0);

@@ -271,6 +271,18 @@ TEST_F(TrackDump, TellsOfABrokenIndex) {
     EXPECT_EQ("1", valueOf("mBrokenIndex"));
 }
 
+// There are no key flags to trust.
+TEST_F(TrackDump, IndexOfOtherTracksIsNotBroken) {
+    AviFile avi = videoFile();
+    avi.addChunk(avi.addStream(audioStream(6, 1, 8000, 8000, 1, 8)), patternBytes(30));
+    avi.addChunk(avi.addStream(videoStream("DXSB", 320, 240, 25)), patternBytes(30));
+    avi.segment().index.copies = 0;
+    openLogged(std::move(avi));
+    EXPECT_EQ("1", valueOf("mBrokenIndex", 0));
+    EXPECT_EQ("0", valueOf("mBrokenIndex", 1));
+    EXPECT_EQ("0", valueOf("mBrokenIndex", 2));
+}
+
 TEST_F(TrackDump, FourCharactersAreShownAsTheyAre) {
     AviFile avi;
     avi.addStream(videoStream("XviD", 320, 240, 25));
