@@ -105,7 +105,7 @@ TEST_F(AacConfiguration, AdtsFramesAreShorterThan4096Bytes) {
         openFirst(header);
         const bool isAdts = lengthBits < 2;
         EXPECT_EQ(number(AMEDIAFORMAT_KEY_IS_ADTS).has_value(), isAdts);
-        EXPECT_EQ(countOf("RawAAC/"), isAdts ? 0u : 1u);
+        EXPECT_EQ(mLog.count("RawAAC/"), isAdts ? 0u : 1u);
         EXPECT_EQ(number(AMEDIAFORMAT_KEY_SAMPLE_RATE), isAdts ? 48000 : 44100);
     }
 }
@@ -113,10 +113,10 @@ TEST_F(AacConfiguration, AdtsFramesAreShorterThan4096Bytes) {
 TEST_F(AacConfiguration, FirstSampleAloneDecidesWhetherTheStreamIsAdts) {
     openSamples(mStream, {patternBytes(64, 1), adts(1, 3, 2), adts(1, 3, 2)});
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_IS_ADTS), std::nullopt);
-    EXPECT_EQ(countOf("RawAAC/"), 1u);
+    EXPECT_EQ(mLog.count("RawAAC/"), 1u);
     openSamples(mStream, {adts(1, 3, 2), patternBytes(64, 1), patternBytes(64, 2)});
     EXPECT_EQ(number(AMEDIAFORMAT_KEY_IS_ADTS), 1);
-    EXPECT_EQ(countOf("AAC Codec Data"), 1u);
+    EXPECT_EQ(mLog.count("AAC Codec Data"), 1u);
 }
 
 TEST_F(AacConfiguration, AdtsIsNotRaw) {

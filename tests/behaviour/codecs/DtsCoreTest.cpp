@@ -128,8 +128,8 @@ TEST_F(DtsCore, SyncIsLookedForUpToTheFifthByteFromTheEnd) {
     const Bytes sync = {0x1F, 0xFF, 0xE8, 0x00};
     openFirst(Bytes(20, 0x11) + sync + Bytes{0x22});
     expectFormat(kDts, 2, 48000);
-    EXPECT_TRUE(
-        logged(debug("[audio/vnd.dts] offset 20, dtsType 0, chanCount 2, sampleRate 48000")));
+    EXPECT_THAT(log(), Contains(debug("[audio/vnd.dts] offset 20, dtsType 0, chanCount 2, "
+                                      "sampleRate 48000")));
     openFirst(Bytes(20, 0x11) + sync);
     expectNoFrame();
 }

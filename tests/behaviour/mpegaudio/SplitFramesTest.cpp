@@ -127,12 +127,12 @@ TEST_F(SplitFrames, LeaveWhatTheyTookOfAChunkTakenAfterARestart) {
     const Bytes all = joined(frames(5));
     openStream(mp3Bytes(), split(all, {2 * kFrameSize + 100, kFrameSize}));
     const std::unique_ptr<Track> source = track(0);
-    EXPECT_EQ(bytesOfSamples(readTrack(*source, {}, 2).samples), frames(2));
-    EXPECT_EQ(bytesOfSamples(readTrack(*source, {}, 3).samples), frames(3));
+    EXPECT_EQ(payloadsOf(readTrack(*source, {}, 2).samples), frames(2));
+    EXPECT_EQ(payloadsOf(readTrack(*source, {}, 3).samples), frames(3));
     // 317 bytes of the third frame came from the second chunk. As many of the first chunk are
     // passed over, and with them the beginning of the first frame.
     const ReadRun again = readTrack(*source, {}, 2);
-    EXPECT_EQ(bytesOfSamples(again.samples), (std::vector<Bytes>{frame(1), frame(2)}));
+    EXPECT_EQ(payloadsOf(again.samples), (std::vector<Bytes>{frame(1), frame(2)}));
 }
 
 TEST_F(SplitFrames, AreNotTouchedByOtherStreamsBetween) {

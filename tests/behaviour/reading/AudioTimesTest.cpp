@@ -47,8 +47,8 @@ TEST_F(AudioTimes, WithoutSampleSizeChunksOfRawAacShareTheDuration) {
     stream.header.scale = 1;
     stream.header.rate = 4;
     stream.header.length = 12;  // three seconds
-    EXPECT_EQ(timesOf(stream, {371, 380, 300}), (std::vector<int64_t>{0, 1000000, 2000000}));
-    EXPECT_EQ(timesOf(stream, {371, 371, 371}), (std::vector<int64_t>{0, 1000000, 2000000}));
+    EXPECT_EQ(timesWith(stream, {371, 380, 300}), (std::vector<int64_t>{0, 1000000, 2000000}));
+    EXPECT_EQ(timesWith(stream, {371, 371, 371}), (std::vector<int64_t>{0, 1000000, 2000000}));
 }
 
 TEST_F(AudioTimes, WithoutSampleSizeTheClampedDurationIsShared) {

@@ -19,7 +19,7 @@
 #include <log/log.h>
 #include <media/stagefright/foundation/avc_utils.h>
 
-#include "tests/unit/avi/source/ExactBytes.h"
+#include "tests/unit/avi/ExactBytes.h"
 #include "tests/unit/platform/SpsBuilder.h"
 
 namespace android {

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/unit/avi/source/ExactBytes.h"
+#include "tests/unit/avi/ExactBytes.h"
 #include "tests/unit/platform/SpsBuilder.h"
 
 namespace android {
