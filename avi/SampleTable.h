@@ -72,7 +72,8 @@ class SampleTable {
 
     // Key flag of chunk i: 0, 1, or kConfirmedSync; 0 where the track keeps none.
     int8_t syncFlag(size_t i) const {
-        return i < mSampleSyncs.size() ? __atomic_load_n(&mSampleSyncs[i], __ATOMIC_RELAXED) : 0;
+        return i < mSampleSyncs.size() ? __atomic_load_n(&mSampleSyncs[i], __ATOMIC_RELAXED)
+                                       : int8_t{0};
     }
 
     // The first entry from `from` on, or the last one up to it, that has a key flag; size() when

@@ -179,16 +179,19 @@ bool MpegAudioReader::completeFrame(const Chunk& loaded, size_t have, size_t fra
         mCursor.moveTo(mCursor.next() + 1);
         if (missing == loaded.size) {
             isWhole = true;
-            if (isLogging()) {
-                AVI_LOGD("%s[%u] chunk consumed with whole size %zu...",
-                         LogPrefix(mTrack, loaded).text(), mCursor.last(), size_t{loaded.size});
-            }
+            logWholeChunk(loaded);
         }
         have += static_cast<size_t>(got);
     }
     mConsumed = isWhole ? 0 : static_cast<uint32_t>(got);
     if (!isWhole) mCursor.moveTo(mCursor.last());
     return true;
+}
+
+void MpegAudioReader::logWholeChunk(const Chunk& loaded) const {
+    if (!isLogging()) return;
+    AVI_LOGD("%s[%u] chunk consumed with whole size %zu...", LogPrefix(mTrack, loaded).text(),
+             mCursor.last(), size_t{loaded.size});
 }
 
 // Reads up to `wanted` bytes of the next chunk, which stays the next one. `got` is what the read

@@ -57,6 +57,7 @@ class MpegAudioReader {
     bool completeFrame(const Chunk& loaded, size_t have, size_t frameSize, uint8_t* frame);
     status_t readNextChunk(uint8_t* dst, size_t wanted, ssize_t* got) const;
     bool isLogging() const { return mLog.isEnableLogOutput(mCursor.last()); }
+    void logWholeChunk(const Chunk& loaded) const;
     void logCut(const Chunk& chunk, const MpegAudioFound& found, size_t length) const;
 
     const SourceTrack& mTrack;

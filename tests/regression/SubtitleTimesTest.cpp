@@ -14,6 +14,7 @@ TEST_F(SubtitleTimes, AreNeverNegative) {
     const std::vector<std::string> texts = {"[00:00:0/.000", "[  :  :  .   ", "[-1:00:00.000",
                                             "[00:00:-2.000", "[00:00:00.0-5"};
     std::vector<Bytes> chunks;
+    chunks.reserve(texts.size());
     for (const std::string& text : texts)
         chunks.push_back(bytesOf(text + " picture"));
     openStream(subtitleStream(), chunks);

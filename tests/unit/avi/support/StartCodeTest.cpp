@@ -12,8 +12,7 @@ namespace {
 using Bytes = std::vector<uint8_t>;
 
 size_t find(const Bytes& bytes, size_t from = 0) {
-    const Bytes exact(bytes);  // nothing behind its end
-    return findStartCodePrefix(exact.data(), exact.size(), from);
+    return findStartCodePrefix(bytes.data(), bytes.size(), from);
 }
 
 // What the search means, a position at a time.
