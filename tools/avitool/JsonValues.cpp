@@ -66,7 +66,7 @@ Json toJson(const SampleReport& sample) {
 }
 
 std::string dump(const Json& value, int indent) {
-    return value.dump(indent, ' ', false, Json::error_handler_t::replace);
+    return jsonWithoutControls(value.dump(indent, ' ', false, Json::error_handler_t::replace));
 }
 
 }  // namespace avitool

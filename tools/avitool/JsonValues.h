@@ -20,8 +20,8 @@ Json toJson(const FormatEntries& entries);
 Json toJson(const Failure& failure);
 Json toJson(const SampleReport& sample);
 
-/** The text of a value, always UTF-8: bytes that are not are replaced by U+FFFD. `indent` -1 puts
- * everything on one line. */
+/** The text of a value, always UTF-8 without control characters: bytes that are not UTF-8 are
+ * replaced by U+FFFD. `indent` -1 puts everything on one line. */
 std::string dump(const Json& value, int indent);
 
 }  // namespace avitool

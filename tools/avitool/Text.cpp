@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 
 namespace avitool {
 
@@ -44,9 +45,29 @@ uint32_t decode(std::string_view text, size_t* length) {
     return kInvalid;
 }
 
+struct CharacterRange {
+    uint32_t first;
+    uint32_t last;
+};
+
+// What moves the cursor, ends the line, or has the text around it shown in another order.
+constexpr CharacterRange kDisturbing[] = {
+    {0x00, 0x1F},      // C0
+    {0x7F, 0x9F},      // DEL and C1: U+009B is ESC [ in one character
+    {0x061C, 0x061C},  // Arabic letter mark
+    {0x200E, 0x200F},  // marks for left-to-right and right-to-left
+    {0x2028, 0x202E},  // separators of lines and paragraphs, embeddings and overrides
+    {0x2066, 0x206F},  // isolates, and formats that Unicode deprecates
+    {0xFEFF, 0xFEFF},  // byte order mark
+    {0xFFF9, 0xFFFB},  // annotations
+};
+
 bool isPrintable(uint32_t character) {
-    const bool control = character < 0x20 || (character >= 0x7F && character < 0xA0);
-    return !control && character != kInvalid;
+    if (character == kInvalid) return false;
+    return std::none_of(std::begin(kDisturbing), std::end(kDisturbing),
+                        [character](const CharacterRange& range) {
+                            return range.first <= character && character <= range.last;
+                        });
 }
 
 std::string escaped(std::string_view bytes) {
@@ -57,6 +78,18 @@ std::string escaped(std::string_view bytes) {
 }
 
 }  // namespace
+
+std::string jsonWithoutControls(std::string_view json) {
+    std::string result;
+    while (!json.empty()) {
+        size_t length = 0;
+        const uint32_t character = decode(json, &length);
+        const bool shown = character < 0x20 || isPrintable(character);
+        result += shown ? std::string(json.substr(0, length)) : fmt::format("\\u{:04x}", character);
+        json.remove_prefix(length);
+    }
+    return result;
+}
 
 std::string printable(std::string_view text, size_t limit) {
     std::string result;

@@ -14,10 +14,17 @@
 namespace avitool {
 
 /**
- * The text with everything that would disturb a terminal or a line (control characters, bytes that
- * are not UTF-8) as \xNN. Text beyond about `limit` bytes is cut, with "..." in its place.
+ * The text with everything that would disturb a terminal or a line (control characters, also those
+ * that change the direction of text, and bytes that are not UTF-8) as \xNN. Text beyond about
+ * `limit` bytes is cut, with "..." in its place.
  */
 std::string printable(std::string_view text, size_t limit = std::numeric_limits<size_t>::max());
+
+/**
+ * JSON, in UTF-8 and with its strings' C0 escaped, with the other characters that printable()
+ * escapes as \uNNNN: they can be in strings only, so it means the same.
+ */
+std::string jsonWithoutControls(std::string_view json);
 
 /** Microseconds as seconds with six decimals. */
 std::string seconds(int64_t microseconds);

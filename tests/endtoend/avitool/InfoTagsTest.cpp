@@ -97,6 +97,31 @@ TEST_F(InfoTags, ControlCharactersDoNotReachTheTerminal) {
     EXPECT_EQ(parsed(info(file, {"--json"})).at(0).at("tags").at("title"), "\x1B[2Ja\nfilm");
 }
 
+// C1 in one character, DEL, an override and an isolate of text that runs to the left, a separator
+// of lines, and the Arabic letter mark.
+constexpr char kInvisible[] = "\xC2\x9B|\x7F|\xE2\x80\xAE|\xE2\x81\xA6|\xE2\x80\xA8|\xD8\x9C";
+
+TEST_F(InfoTags, CharactersThatDirectATerminalAreEscapedInText) {
+    EXPECT_THAT(squeezed(info(taggedFile({tag("INAM", kInvisible)})).out),
+                HasSubstr("\nTitle \\xc2\\x9b|\\x7f|\\xe2\\x80\\xae|\\xe2\\x81\\xa6|"
+                          "\\xe2\\x80\\xa8|\\xd8\\x9c\n"));
+}
+
+TEST_F(InfoTags, CharactersThatDirectATerminalAreEscapedInJson) {
+    const ToolRun run = info(taggedFile({tag("INAM", kInvisible)}), {"--json"});
+    EXPECT_THAT(run.out,
+                HasSubstr("\"title\": \"\\u009b|\\u007f|\\u202e|\\u2066|\\u2028|\\u061c\""));
+    EXPECT_EQ(parsed(run).at(0).at("tags").at("title"), kInvisible);
+}
+
+TEST_F(InfoTags, NeighboursOfThoseCharactersAreShown) {
+    const std::string title =
+        "\xC2\xA0|~|\xE2\x80\x90|\xE2\x80\xA7|\xE2\x80\xAF|\xE2\x81\xA5|\xE2\x81\xB0|\xD8\x9B";
+    const Bytes file = taggedFile({tag("INAM", title)});
+    EXPECT_THAT(info(file).out, HasSubstr(title));
+    EXPECT_THAT(info(file, {"--json"}).out, HasSubstr(title));
+}
+
 TEST_F(InfoTags, ALongTextIsShortenedForPeopleOnly) {
     const std::string title(3000, 'x');
     const Bytes file = taggedFile({tag("INAM", title)});
