@@ -5,11 +5,18 @@
 
 namespace avitool {
 
-void complainAbout(const std::string& path, const TrackReport& track, Console& console) {
+std::vector<std::string> problemsOf(const TrackReport& track) {
+    std::vector<std::string> problems;
     for (const auto& failure : {track.formatFailure, track.read.failure}) {
         if (!failure) continue;
-        console.complain(path, fmt::format("track {}: {}", track.index, toText(*failure)));
+        problems.push_back(fmt::format("track {}: {}", track.index, toText(*failure)));
     }
+    return problems;
+}
+
+void complainAbout(const std::string& path, const TrackReport& track, Console& console) {
+    for (const std::string& problem : problemsOf(track))
+        console.complain(path, problem);
 }
 
 TrackRange wantedTracks(const OpenedFile& file, const Options& options) {

@@ -6,6 +6,7 @@
 #include <new>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tools/avitool/Console.h"
 #include "tools/avitool/OpenedFile.h"
@@ -13,6 +14,9 @@
 #include "tools/avitool/Report.h"
 
 namespace avitool {
+
+/** A line for each failure of the track. */
+std::vector<std::string> problemsOf(const TrackReport& track);
 
 /** Reports each failure of the track in a line. Throws OutputError. */
 void complainAbout(const std::string& path, const TrackReport& track, Console& console);

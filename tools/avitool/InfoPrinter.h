@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "tools/avitool/Console.h"
 #include "tools/avitool/Report.h"
@@ -16,8 +17,10 @@ class InfoPrinter {
     InfoPrinter& operator=(const InfoPrinter&) = delete;
     virtual ~InfoPrinter() = default;
 
-    /** Adds one file, which may have failed. Throws OutputError. */
-    virtual void add(const FileReport& report) = 0;
+    /** What is to be shown of a file, which may have failed, for add(). */
+    virtual std::string shown(const FileReport& report) const = 0;
+    /** Adds what shown() gave for the next file, maybe in another process. Throws OutputError. */
+    virtual void add(const std::string& shown) = 0;
     /** Prints what is still to be printed after the last file. Throws OutputError. */
     virtual void finish() = 0;
 };

@@ -41,7 +41,11 @@ class JsonInfo : public InfoPrinter {
   public:
     explicit JsonInfo(Console& console) : mConsole(console) {}
 
-    void add(const FileReport& report) override { mFiles.push_back(fileJson(report)); }
+    std::string shown(const FileReport& report) const override {
+        return dump(fileJson(report), -1);
+    }
+
+    void add(const std::string& shown) override { mFiles.push_back(Json::parse(shown)); }
 
     void finish() override {
         mConsole.write(dump(mFiles, 2) + "\n");

@@ -7,8 +7,10 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <mutex>
 #include <string_view>
+#include <utility>
 
 #include "tools/avitool/Text.h"
 
@@ -24,7 +26,7 @@ struct State {
     int priority = ANDROID_LOG_SILENT;
     std::string file;
     std::vector<std::string> errors;
-    void (*abortAction)() = nullptr;
+    AbortAction abortAction;
 };
 
 // Never destroyed: libraries may log while the process ends.
@@ -62,22 +64,30 @@ void record(const __android_logger_data* data, const char* message) {
     show(letterOf(data->priority), tag, message);
 }
 
+// An output that takes nothing any more is no reason to end in another way.
+void runAction(const AbortAction& action, const std::string& reason) {
+    try {
+        if (action) action(reason);
+    } catch (const std::exception&) {
+        return;
+    }
+}
+
 // On the device this ends the extractor service, which is worth a plain statement instead of a core
 // file.
 void reportAbort(const char* message) {
-    std::fflush(stdout);
+    const std::string reason = fmt::format("the plug-in aborts the extractor service: {}", message);
     std::string file;
-    void (*action)() = nullptr;
+    AbortAction action;
     {
         State& s = state();
         const std::lock_guard<std::mutex> lock(s.lock);
         file = s.file;
         action = s.abortAction;
     }
-    if (action != nullptr) action();
-    const std::string line =
-        fmt::format("avitool: {}: the plug-in aborts the extractor service: {}\n", printable(file),
-                    printable(message));
+    runAction(action, reason);
+    std::fflush(stdout);
+    const std::string line = fmt::format("avitool: {}: {}\n", printable(file), printable(reason));
     std::fputs(line.c_str(), stderr);
     std::_Exit(EXIT_FAILURE);
 }
@@ -98,10 +108,10 @@ void beginFile(const std::string& path) {
     s.errors.clear();
 }
 
-void setAbortAction(void (*action)()) {
+void setAbortAction(AbortAction action) {
     State& s = state();
     const std::lock_guard<std::mutex> lock(s.lock);
-    s.abortAction = action;
+    s.abortAction = std::move(action);
 }
 
 std::vector<std::string> errors() {

@@ -4,6 +4,7 @@
 // functions. Lines may come from any thread; the functions are called from one.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,8 +19,12 @@ void install(int priority);
  */
 void beginFile(const std::string& path);
 
-/** Has `action` run before an assertion of the plug-in ends the process. */
-void setAbortAction(void (*action)());
+/** What runs when an assertion of the plug-in is about to end the process, with the reason. */
+using AbortAction = std::function<void(const std::string& reason)>;
+
+/** Has `action` run before an assertion of the plug-in ends the process; what it throws is
+ * dropped. */
+void setAbortAction(AbortAction action);
 
 /** The error lines since beginFile, the first 16 at most, in order. */
 std::vector<std::string> errors();

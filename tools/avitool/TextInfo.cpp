@@ -102,16 +102,22 @@ class TextInfo : public InfoPrinter {
   public:
     explicit TextInfo(Console& console) : mConsole(console) {}
 
-    void add(const FileReport& report) override {
-        if (report.error) return;  // reported on standard error
-        if (mPrinted) mConsole.write("\n");
-        mPrinted = true;
-        mConsole.write(fmt::format("File {}\n  {:{}}  {}\n  {:{}}  {}\n", printable(report.path),
-                                   "extractor", kMinNameWidth, printable(report.extractor),
-                                   "confidence", kMinNameWidth, report.confidence));
-        mConsole.write(fileTables(report.format));
+    std::string shown(const FileReport& report) const override {
+        if (report.error) return "";  // reported on standard error
+        std::string text =
+            fmt::format("File {}\n  {:{}}  {}\n  {:{}}  {}\n", printable(report.path), "extractor",
+                        kMinNameWidth, printable(report.extractor), "confidence", kMinNameWidth,
+                        report.confidence);
+        text += fileTables(report.format);
         for (const TrackReport& track : report.tracks)
-            mConsole.write("\n" + trackText(track));
+            text += "\n" + trackText(track);
+        return text;
+    }
+
+    void add(const std::string& shown) override {
+        if (shown.empty()) return;
+        mConsole.write(mPrinted ? "\n" + shown : shown);
+        mPrinted = true;
         mConsole.flush();
     }
 

@@ -108,7 +108,6 @@ void extractTracks(const service::PluginLibrary& plugin, const Options& options,
     std::vector<Plan> plans = planTracks(file, options);
     if (!options.force) refuseToOverwrite(plans);
     makeFolder(options.output);
-    pluginlog::setAbortAction(PartialFile::removeAll);
     // Lines of the plug-in's log and the bar would write over each other.
     Progress progress(options.logPriority == ANDROID_LOG_SILENT);
     for (Plan& plan : plans)
@@ -121,6 +120,14 @@ void runExtract(const Options& options, const service::PluginLibrary& plugin, Co
     ExtractReport report;
     report.path = options.files.front();
     bool cannotWrite = false;  // the problem names its own file
+    const auto print = [&] {
+        (options.json ? printExtractJson : printExtractText)(report, console);
+    };
+    pluginlog::setAbortAction([&](const std::string& reason) {
+        PartialFile::removeAll();
+        report.error = reason;
+        print();
+    });
     report.error = problemOf([&] {
         try {
             extractTracks(plugin, options, &report);
@@ -129,7 +136,8 @@ void runExtract(const Options& options, const service::PluginLibrary& plugin, Co
             throw;
         }
     });
-    (options.json ? printExtractJson : printExtractText)(report, console);
+    pluginlog::setAbortAction(nullptr);
+    print();
     for (const ExtractedTrack& extracted : report.tracks)
         complainAbout(report.path, extracted.track, console);
     if (!report.error) return;

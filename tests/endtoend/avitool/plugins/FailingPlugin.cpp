@@ -4,8 +4,10 @@
 //   g  nothing: two samples        s  start fails              r  read fails after two samples
 //   u  read gives an odd status    m  read gives no buffer     n  there is no track object
 //   f  there is no format          t  samples have no time     a  an assertion fails in the second
-//   k  nothing: keys of all types                                 read
+//   k  nothing: keys of all types  A  an assertion fails at the      read
+//   c  the second read crashes        query for the format
 // It claims a file that begins with "NULL" too, but opens none.
+#include <signal.h>
 #include <string.h>
 
 #include <string>
@@ -56,6 +58,7 @@ class FailingTrack : public MediaTrackHelper {
     media_status_t getFormat(AMediaFormat*) override { return AMEDIA_OK; }
 
     media_status_t read(MediaBufferHelper** out, const ReadOptions*) override {
+        if (mKind == 'c' && mNext == 1) raise(SIGKILL);  // not the memory checkers' to report
         if (mKind == 'a') LOG_ALWAYS_FATAL_IF(mNext == 1, "CHECK(mNext != 1) failed.");
         if (mNext == kSamples) return endStatus();
         if (mKind == 'm' && mNext == 1) return AMEDIA_OK;
@@ -96,6 +99,7 @@ class FailingExtractor : public MediaExtractorPluginHelper {
     }
     media_status_t getTrackMetaData(AMediaFormat* meta, size_t index, uint32_t) override {
         if (mKinds[index] == 'f') return AMEDIA_ERROR_MALFORMED;
+        LOG_ALWAYS_FATAL_IF(mKinds[index] == 'A', "CHECK(mime) failed.");
         const std::string mime = std::string("test/") + mKinds[index];
         AMediaFormat_setString(meta, AMEDIAFORMAT_KEY_MIME, mime.c_str());
         if (mKinds[index] == 'k') setAllTypes(meta);
