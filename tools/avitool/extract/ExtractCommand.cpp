@@ -108,6 +108,7 @@ void extractTracks(const service::PluginLibrary& plugin, const Options& options,
     std::vector<Plan> plans = planTracks(file, options);
     if (!options.force) refuseToOverwrite(plans);
     makeFolder(options.output);
+    PartialFile::removeAllOnSignals();
     // Lines of the plug-in's log and the bar would write over each other.
     Progress progress(options.logPriority == ANDROID_LOG_SILENT);
     for (Plan& plan : plans)

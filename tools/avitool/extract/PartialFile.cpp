@@ -6,9 +6,12 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
+#include <cstdlib>
 #include <mutex>
 #include <set>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 namespace avitool {
@@ -26,6 +29,40 @@ struct OpenNames {
 OpenNames& openNames() {
     static OpenNames* const instance = new OpenNames;
     return *instance;
+}
+
+// Needs the lock.
+void removeFiles(OpenNames* open) {
+    for (const std::string& name : open->names)
+        unlink(name.c_str());
+    open->names.clear();
+}
+
+// A signal that the process was started to ignore (nohup) stays ignored.
+sigset_t endingSignals() {
+    sigset_t set;
+    sigemptyset(&set);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction action {};
+        if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) {
+            sigaddset(&set, signal);
+        }
+    }
+    return set;
+}
+
+// The names can only be looked at under their lock, so not in a handler.
+[[noreturn]] void endAtSignal(sigset_t set) {
+    int signal = 0;
+    while (sigwait(&set, &signal) != 0) {
+    }
+    OpenNames& open = openNames();
+    open.lock.lock();  // and kept: no file is opened or gets its name after this
+    removeFiles(&open);
+    std::signal(signal, SIG_DFL);
+    pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+    raise(signal);  // the one who waits for the process sees what ended it
+    _exit(EXIT_FAILURE);
 }
 
 std::string reasonOf(int error) {
@@ -89,9 +126,13 @@ PartialFile::~PartialFile() {
 void PartialFile::removeAll() {
     OpenNames& open = openNames();
     const std::lock_guard<std::mutex> lock(open.lock);
-    for (const std::string& name : open.names)
-        unlink(name.c_str());
-    open.names.clear();
+    removeFiles(&open);
+}
+
+void PartialFile::removeAllOnSignals() {
+    const sigset_t set = endingSignals();
+    pthread_sigmask(SIG_BLOCK, &set, nullptr);
+    std::thread(endAtSignal, set).detach();
 }
 
 void PartialFile::fail(const char* what) const {

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // A file that gets its name when it is whole: until then it has a temporary one in the same folder.
 // Owns the open file and, until publish(), the temporary name. Invariant: whatever ends the object,
-// or the process by an assertion of the plug-in, nothing stays under the temporary name.
+// or the process by an assertion of the plug-in or a signal that asks for its end, nothing stays
+// under the temporary name.
 // One thread.
 #pragma once
 
@@ -48,6 +49,9 @@ class PartialFile {
 
     /** Removes all temporary files of the process, which is about to end. Any thread. */
     static void removeAll();
+    /** From now on INT, TERM and HUP, unless the process ignores them, remove all temporary files
+     * before they end the process. Called once, before other threads start. */
+    static void removeAllOnSignals();
 
   private:
     [[noreturn]] void fail(const char* what) const;
