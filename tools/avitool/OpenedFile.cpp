@@ -65,4 +65,9 @@ OpenedFile::OpenedFile(const service::PluginLibrary& plugin, const std::string& 
     mFormat = std::move(result.format);
 }
 
+uint64_t OpenedFile::size() const {
+    off64_t size = 0;
+    return mSource->getSize(&size) == android::OK && size > 0 ? static_cast<uint64_t>(size) : 0;
+}
+
 }  // namespace avitool

@@ -29,6 +29,8 @@ class OpenedFile {
     const android::service::Extractor& extractor() const { return *mExtractor; }
     /** The file's own format. */
     const android::service::FormatView& format() const { return mFormat; }
+    /** Its bytes; 0 when the system does not know. */
+    uint64_t size() const;
     /** Number of reads of the file so far. */
     uint64_t readCount() const { return mCounter->readCount(); }
 

@@ -159,7 +159,8 @@ void addExtract(CLI::App* app, Options* options) {
         "The folder to write into, made when missing")
         ->required();
     addTrack(extract, options);
-    extract->add_flag("--force", options->force, "Overwrite files that exist");
+    extract->add_flag("--force", options->force,
+                      "Overwrite files that exist, and write more\nthan 16 times the file's size");
     extract->footer(kExtractFooter);
 }
 

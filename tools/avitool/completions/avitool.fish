@@ -38,4 +38,4 @@ complete -c avitool -n '__fish_seen_subcommand_from samples' -l limit -x -d 'At 
 complete -c avitool -n '__fish_seen_subcommand_from seek' -l at -x -d 'The time to seek to, in seconds'
 complete -c avitool -n '__fish_seen_subcommand_from seek' -l mode -x -a 'previous next closest-sync closest' -d 'Where to land'
 complete -c avitool -n '__fish_seen_subcommand_from extract' -s o -l output -x -a '(__fish_complete_directories)' -d 'The folder to write to'
-complete -c avitool -n '__fish_seen_subcommand_from extract' -l force -d 'Replace files that are there'
+complete -c avitool -n '__fish_seen_subcommand_from extract' -l force -d 'Replace files that are there, write any amount'

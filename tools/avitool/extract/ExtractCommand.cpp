@@ -16,6 +16,7 @@
 #include "tools/avitool/extract/Progress.h"
 #include "tools/avitool/extract/StreamForm.h"
 #include "tools/avitool/extract/TrackFiles.h"
+#include "tools/avitool/extract/WriteLimit.h"
 
 namespace avitool {
 
@@ -73,28 +74,35 @@ int64_t durationOf(const TrackReport& track) {
     return us == nullptr ? 0 : *us;
 }
 
+// What the tracks of a file share.
+struct Extraction {
+    const OpenedFile& file;
+    Progress progress;
+    WriteLimit limit;
+};
+
 // Reads the track to its end or to a failure, which is recorded in it.
-void readInto(TrackFiles* files, const OpenedFile& file, TrackReport* track, Progress* progress) {
+void readInto(TrackFiles* files, Extraction* shared, TrackReport* track) {
+    const auto write = [&](uint64_t, const service::BufferHandle& buffer) {
+        shared->limit.spend(buffer.rangeLength());
+        files->add(buffer);
+        const auto us = buffer.metaData().getInt64(AMEDIAFORMAT_KEY_TIME_US);
+        shared->progress.update(us.value_or(0), files->streamSize());
+    };
     try {
-        track->read = readTrack(file.extractor(), track->index, std::nullopt,
-                                [&](uint64_t, const service::BufferHandle& buffer) {
-                                    files->add(buffer);
-                                    const auto us =
-                                        buffer.metaData().getInt64(AMEDIAFORMAT_KEY_TIME_US);
-                                    progress->update(us.value_or(0), files->streamSize());
-                                });
+        track->read = readTrack(shared->file.extractor(), track->index, std::nullopt, write);
     } catch (const SampleError& error) {
         track->read.samples = files->sampleCount();
         track->read.failure = Failure{error.what(), std::nullopt};
     }
 }
 
-ExtractedTrack extractTrack(const OpenedFile& file, Plan plan, Progress* progress) {
+ExtractedTrack extractTrack(Extraction* shared, Plan plan) {
     ExtractedTrack result;
     result.track = std::move(plan.track);
-    progress->beginTrack(result.track.index, durationOf(result.track));
+    shared->progress.beginTrack(result.track.index, durationOf(result.track));
     TrackFiles files(*plan.form, plan.stream, plan.list);
-    readInto(&files, file, &result.track, progress);
+    readInto(&files, shared, &result.track);
     // Of a track that does not even start there is nothing to keep.
     if (files.sampleCount() == 0 && result.track.read.failure) return result;
     files.publish();
@@ -110,9 +118,10 @@ void extractTracks(const service::PluginLibrary& plugin, const Options& options,
     makeFolder(options.output);
     PartialFile::removeAllOnSignals();
     // Lines of the plug-in's log and the bar would write over each other.
-    Progress progress(options.logPriority == ANDROID_LOG_SILENT);
+    Extraction shared{file, Progress(options.logPriority == ANDROID_LOG_SILENT),
+                      options.force ? WriteLimit::none() : WriteLimit::of(file.size())};
     for (Plan& plan : plans)
-        report->tracks.push_back(extractTrack(file, std::move(plan), &progress));
+        report->tracks.push_back(extractTrack(&shared, std::move(plan)));
 }
 
 }  // namespace
