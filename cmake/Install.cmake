@@ -7,11 +7,16 @@ include(GNUInstallDirs)
 # ../lib beside its own folder.
 set(AVI_INSTALL_LIBDIR lib)
 
-# The packaged libutils and liblog lie in a folder that the loader does not search by itself.
+# The packaged libutils and liblog lie in a folder that the loader does not search by itself. The
+# build tree has the same folders, so its programs find their libraries by the same entries: those
+# that CMake makes for the build alone are filled up with empty ones for the installation to write
+# into, and an empty one is the current folder.
 set_target_properties(aviextractor mediandk mediandk_ruvo cutils PROPERTIES
     INSTALL_RPATH "$ORIGIN;${AVI_ANDROID_LIB_DIR}")
 set_target_properties(avitool PROPERTIES
     INSTALL_RPATH "$ORIGIN/../${AVI_INSTALL_LIBDIR};${AVI_ANDROID_LIB_DIR}")
+set_target_properties(avitool aviextractor mediandk mediandk_ruvo cutils PROPERTIES
+    BUILD_WITH_INSTALL_RPATH ON)
 
 install(TARGETS avitool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS aviextractor mediandk mediandk_ruvo cutils

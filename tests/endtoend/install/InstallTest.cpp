@@ -68,4 +68,17 @@ TEST(Install, ProgramsLookForLibrariesInTheTreeAndNotInTheBuild) {
     }
 }
 
+// Those that are found in no folder before the system's, so that an empty entry would take them from
+// the folder in which the tool is started.
+TEST(Install, ALibraryInTheCurrentFolderIsNotLoaded) {
+    const TempDir folder;
+    for (const char* name : {"libz.so.1", "libstdc++.so.6", "libgcc_s.so.1", "libm.so.6"})
+        folder.write(name, "no library");
+    const std::string shown = outputOfTool(AVITOOL, {"info", kClip});
+    EXPECT_EQ(outputOfTool(AVITOOL, {"info", kClip}, folder.path()), shown);
+    const InstalledTree tree;
+    EXPECT_EQ(outputOfTool(tree.prefix() / "bin" / "avitool", {"info", kClip}, folder.path()),
+              shown);
+}
+
 }  // namespace avitest
