@@ -4,6 +4,7 @@
 #include "service/BufferGroup.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <new>
 
@@ -101,25 +102,31 @@ BufferGroup::~BufferGroup() {
 }
 
 bool BufferGroup::init(size_t buffers, size_t size, size_t growthLimit) {
-    for (size_t i = 0; i < buffers; ++i) {
-        addBuffer(size);
-    }
+    std::vector<std::unique_ptr<Buffer>> made;
+    for (size_t i = 0; i < buffers; ++i)
+        made.push_back(std::make_unique<Buffer>(*this, size));
     std::lock_guard<std::mutex> lock(mLock);
+    const bool complete = std::all_of(made.begin(), made.end(),
+                                      [this](const auto& buffer) { return isUsable(*buffer); });
+    if (complete) std::move(made.begin(), made.end(), std::back_inserter(mBuffers));
     mGrowthLimit = growthLimit > 0 && growthLimit < buffers ? buffers : growthLimit;
     mReturned.notify_all();
-    return true;
+    return complete;
 }
 
 void BufferGroup::addBuffer(size_t size) {
     auto buffer = std::make_unique<Buffer>(*this, size);
-    if (!buffer->usable()) {
-        // As with acquire: without memory the group stays as it is.
-        ALOGE("no memory for a buffer of %zu bytes", size);
-        return;
-    }
     std::lock_guard<std::mutex> lock(mLock);
-    mBuffers.push_back(std::move(buffer));
+    // As with acquire: without memory the group stays as it is.
+    if (isUsable(*buffer)) mBuffers.push_back(std::move(buffer));
     mReturned.notify_all();
+}
+
+// Needs the lock.
+bool BufferGroup::isUsable(const Buffer& buffer) {
+    mMemoryIsShort = !buffer.usable();
+    if (mMemoryIsShort) ALOGE("no memory for a buffer of %zu bytes", buffer.size());
+    return buffer.usable();
 }
 
 BufferGroup::Acquired BufferGroup::acquire(bool nonBlocking, size_t requestedSize) {
@@ -132,12 +139,18 @@ media_status_t BufferGroup::acquirePlain(CMediaBuffer** out, bool nonBlocking,
                                          size_t requestedSize) {
     std::unique_lock<std::mutex> lock(mLock);
     Buffer* buffer = findOrMake(requestedSize);
-    while (buffer == nullptr && !nonBlocking) {
+    while (buffer == nullptr && !nonBlocking && !isHopeless()) {
         mReturned.wait(lock);
         buffer = findOrMake(requestedSize);
     }
     *out = buffer == nullptr ? nullptr : buffer->take();
     return buffer == nullptr ? AMEDIA_ERROR_UNKNOWN : AMEDIA_OK;
+}
+
+// Nobody holds a buffer that could come back, and there is no memory for another. Needs the lock.
+bool BufferGroup::isHopeless() const {
+    return mMemoryIsShort && std::none_of(mBuffers.begin(), mBuffers.end(),
+                                          [](const auto& buffer) { return buffer->held(); });
 }
 
 // Returns a free buffer that is big enough, if need be a new one; null if there is none to be had.
@@ -153,10 +166,7 @@ BufferGroup::Buffer* BufferGroup::findOrMake(size_t requestedSize) {
     if (smallestFree == nullptr && mBuffers.size() >= mGrowthLimit) return nullptr;
 
     auto made = makeBuffer(requestedSize);
-    if (!made->usable()) {
-        ALOGE("no memory for a buffer of %zu bytes", made->size());
-        return nullptr;
-    }
+    if (!isUsable(*made)) return nullptr;
     Buffer* result = made.get();
     if (smallestFree != nullptr) {
         *smallestFree = std::move(made);

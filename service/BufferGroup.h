@@ -37,7 +37,8 @@ class BufferGroup {
     /**
      * Adds `buffers` buffers of `size` bytes to those already there and lets acquire add more while
      * there are fewer than `growthLimit`; 0 means that it adds none. A limit below `buffers` is
-     * raised to it. Always true.
+     * raised to it. False when there is no memory for all of them; then it adds none, since who
+     * asks for two may hold one while it waits for the other.
      */
     bool init(size_t buffers, size_t size, size_t growthLimit = 0);
 
@@ -48,8 +49,9 @@ class BufferGroup {
      * Hands out the first free buffer of at least `requestedSize` bytes (0: of any size). If there
      * is none, the smallest free one is replaced by one of 3/2 the requested size, or one of that
      * size is added while under the growth limit; a request of 0 then gets the size of the biggest.
-     * If that is not possible either, or memory is short, waits until a buffer comes back, or with
-     * `nonBlocking` returns AMEDIA_ERROR_UNKNOWN at once.
+     * If that is not possible either, or memory is short, waits until a buffer comes back. Returns
+     * AMEDIA_ERROR_UNKNOWN at once with `nonBlocking`, and when memory was short and nobody holds a
+     * buffer: the wait would have no end.
      *
      * The buffer's range is the whole buffer. Its metadata keeps what the previous holder put
      * there.
@@ -78,12 +80,15 @@ class BufferGroup {
     Buffer* findOrMake(size_t requestedSize);
     std::unique_ptr<Buffer> makeBuffer(size_t requestedSize);
     void giveBack(Buffer& buffer);
+    bool isUsable(const Buffer& buffer);
+    bool isHopeless() const;
 
     CMediaBufferGroup mRecord{};
     mutable std::mutex mLock;           // guards everything below
     std::condition_variable mReturned;  // a buffer came back, or one more may be had
     std::vector<std::unique_ptr<Buffer>> mBuffers;
     size_t mGrowthLimit = 0;
+    bool mMemoryIsShort = false;  // for the last buffer that was to be made
 };
 
 }  // namespace android::service

@@ -3,22 +3,18 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <limits>
+
+#include "tests/unit/service/AllocatorAborts.h"
 
 namespace android::service {
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-#if defined(__has_feature)
-#define HAS_FEATURE(name) __has_feature(name)
-#else
-#define HAS_FEATURE(name) 0
-#endif
-constexpr bool kAllocatorAborts = HAS_FEATURE(address_sanitizer) || HAS_FEATURE(thread_sanitizer);
 
 // Acquires without waiting and expects to get a buffer.
 BufferHandle take(BufferGroup& group, size_t requestedSize = 0) {
@@ -249,6 +245,53 @@ TEST(BufferGroup, WithoutMemoryTheGroupStaysAsItIs) {
     }
     group.addBuffer(std::numeric_limits<size_t>::max());
     EXPECT_THAT(group.bufferSizes(), ElementsAre(10));
+}
+
+// A size that no allocator gives.
+constexpr size_t kTooMuch = std::numeric_limits<size_t>::max() / 2;
+
+TEST(BufferGroup, WithoutMemoryForAnyBufferAcquireFailsInsteadOfWaiting) {
+    if (kAllocatorAborts) GTEST_SKIP() << "the sanitizer's allocator ends the process instead";
+    BufferGroup group;
+    EXPECT_FALSE(group.init(2, kTooMuch));
+    const BufferGroup::Acquired acquired = group.acquire();
+    EXPECT_EQ(AMEDIA_ERROR_UNKNOWN, acquired.status);
+    EXPECT_FALSE(acquired.buffer);
+}
+
+// Under half of what is left: one fits, and whoever holds it would wait for the other.
+TEST(BufferGroup, WithoutMemoryForAllBuffersInitMakesNone) {
+    if (kAllocatorAborts) GTEST_SKIP() << "the sanitizer's allocator ends the process instead";
+    rlimit before{};
+    ASSERT_EQ(0, getrlimit(RLIMIT_AS, &before));
+    constexpr size_t kSize = size_t{4} << 30;
+    rlimit limit = before;
+    limit.rlim_cur = kSize + kSize / 2;
+    BufferGroup group;
+    ASSERT_EQ(0, setrlimit(RLIMIT_AS, &limit));
+    const bool one = BufferGroup().init(1, kSize);
+    const bool both = group.init(2, kSize);
+    const bool unlimited = BufferGroup().init(1, 2 * kSize);
+    setrlimit(RLIMIT_AS, &before);
+    if (!one || unlimited) GTEST_SKIP() << "addresses cannot be limited to 6 GiB here";
+    EXPECT_FALSE(both);
+    EXPECT_EQ(AMEDIA_ERROR_UNKNOWN, group.acquire().status);
+}
+
+TEST(BufferGroup, WithoutMemoryForALargerBufferAcquireFailsInsteadOfWaiting) {
+    if (kAllocatorAborts) GTEST_SKIP() << "the sanitizer's allocator ends the process instead";
+    BufferGroup group;
+    group.init(1, 10);
+    EXPECT_EQ(AMEDIA_ERROR_UNKNOWN, group.acquire(false, kTooMuch).status);
+    EXPECT_EQ(10u, take(group).size());
+}
+
+TEST(BufferGroup, MemoryThatWasShortIsAskedForAgain) {
+    if (kAllocatorAborts) GTEST_SKIP() << "the sanitizer's allocator ends the process instead";
+    BufferGroup group;
+    group.init(0, 0, 1);
+    EXPECT_EQ(AMEDIA_ERROR_UNKNOWN, group.acquire(false, kTooMuch).status);
+    EXPECT_EQ(AMEDIA_OK, group.acquire(false, 20).status);
 }
 
 TEST(BufferGroup, NonBlockingFailureStoresNull) {

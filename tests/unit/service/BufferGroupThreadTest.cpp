@@ -5,10 +5,12 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <limits>
 #include <thread>
 #include <vector>
 
 #include "service/BufferGroup.h"
+#include "tests/unit/service/AllocatorAborts.h"
 #include "tests/unit/service/RunThreads.h"
 
 namespace android::service {
@@ -24,7 +26,7 @@ class Acquirer {
         : mThread([this, &group, requestedSize] {
               BufferGroup::Acquired acquired = group.acquire(false, requestedSize);
               mStatus = acquired.status;
-              mSize = acquired.buffer.size();
+              if (acquired.buffer) mSize = acquired.buffer.size();
               mDone = true;
           }) {}
     bool done() const { return mDone; }
@@ -83,6 +85,18 @@ TEST(BufferGroupThreads, RaisedLimitEndsTheWait) {
     group.init(0, 0, 1);
     EXPECT_EQ(AMEDIA_OK, acquirer.join());
     EXPECT_EQ(30u, acquirer.size());
+}
+
+TEST(BufferGroupThreads, ShortMemoryWaitsForAHeldBufferOnly) {
+    if (kAllocatorAborts) GTEST_SKIP() << "the sanitizer's allocator ends the process instead";
+    BufferGroup group;
+    group.init(1, 10, 2);
+    BufferHandle held = group.acquire().buffer;
+    Acquirer acquirer(group, std::numeric_limits<size_t>::max() / 2);
+    std::this_thread::sleep_for(kPatience);
+    EXPECT_FALSE(acquirer.done());
+    held.release();
+    EXPECT_EQ(AMEDIA_ERROR_UNKNOWN, acquirer.join());
 }
 
 TEST(BufferGroupThreads, EveryWaiterGetsItsTurn) {
