@@ -18,7 +18,9 @@ elseif(AVI_SANITIZE STREQUAL "integer")
         -fsanitize-trap=signed-integer-overflow,unsigned-integer-overflow
         ${wrap_ignorelist})
 elseif(AVI_SANITIZE STREQUAL "fuzz")
-    set(sanitizer_flags -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all)
+    set(sanitizer_flags
+        -fsanitize=fuzzer-no-link,address,undefined,unsigned-integer-overflow ${wrap_ignorelist}
+        -fno-sanitize-recover=all)
 elseif(AVI_SANITIZE STREQUAL "thread")
     set(sanitizer_flags -fsanitize=thread)
 elseif(AVI_SANITIZE)
