@@ -4,7 +4,8 @@
 //
 // Writes the seeds that the fuzzer begins with: small valid files of every index form and every
 // kind of codec configuration, each with the fuzzer's orders (log switches, six seeks) at its end.
-// The seeds in fuzz/corpus are its output; seeds that mended bugs left lie beside them.
+// The seeds in fuzz/corpus/extractor_fuzzer are its output; seeds that mended bugs left lie beside
+// them.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>

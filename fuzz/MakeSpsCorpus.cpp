@@ -3,7 +3,7 @@
 // usage: fuzz_make_sps_corpus FOLDER
 //
 // Writes the seeds that the fuzzer of parameter sets begins with: valid sets of every kind. The
-// seeds in fuzz/sps_corpus are its output; seeds that mended bugs left lie beside them.
+// seeds in fuzz/corpus/sps_fuzzer are its output; seeds that mended bugs left lie beside them.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// usage: fuzz_replay FILE|FOLDER...
+// usage: <target>_replay FILE|FOLDER...
 //
-// Runs files, and all files of folders, through the fuzzer's entry once, without libFuzzer.
+// Runs files, and all files of folders, through a fuzzer's entry once, without libFuzzer.
 // Whatever is wrong with one ends the process; an unreadable or missing file, or no file at all, is
 // status 1.
 #include <algorithm>
@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
+#include "fuzz/Entry.h"
 
 namespace {
 
@@ -51,10 +51,11 @@ void replay(const fs::path& file) {
 
 int main(int argc, char** argv) {
     try {
+        LLVMFuzzerInitialize(&argc, &argv);
         for (const fs::path& file : filesOf({argv + 1, argv + argc}))
             replay(file);
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "fuzz_replay: %s\n", error.what());
+        std::fprintf(stderr, "replay: %s\n", error.what());
         return 1;
     }
     return 0;

@@ -1,23 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A fuzzer's entry for the check of AVC sequence parameter sets and the platform's parser after it:
+// The check of AVC sequence parameter sets and the platform's parser after it:
 // an input is a set with its header byte. What the check accepts must have a size, and must not end
 // the process in the parser.
 #include <media/stagefright/foundation/avc_utils.h>
 
-#include <cstdio>
-#include <cstdlib>
+#include "codec/SequenceParameterSet.h"
+#include "fuzz/Entry.h"
+#include "fuzz/Finding.h"
 
-#include "avi/codec/SequenceParameterSet.h"
+int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
+    return 0;
+}
 
-// libFuzzer calls it by name.
-extern "C" __attribute__((visibility("default"))) int LLVMFuzzerTestOneInput(const uint8_t* data,
-                                                                             size_t size) {
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (!android::isSaneSequenceParameterSet(data, size)) return 0;
     int32_t width = 0;
     int32_t height = 0;
     android::FindAVCDimensions(android::ABuffer::CreateAsCopy(data, size), &width, &height);
-    if (width > 0 && height > 0) return 0;
-    std::fprintf(stderr, "sps: accepted, but of %d x %d\n", width, height);
-    std::abort();
+    if (width <= 0 || height <= 0) avifuzz::finding("accepted, but of %d x %d", width, height);
+    return 0;
 }
