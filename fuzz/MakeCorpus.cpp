@@ -1,275 +1,82 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // usage: fuzz_make_corpus FOLDER
+//        fuzz_make_corpus --check FOLDER
 //
-// Writes the seeds that the fuzzer begins with: small valid files of every index form and every
-// kind of codec configuration, each with the fuzzer's orders (log switches, six seeks) at its end.
-// The seeds in fuzz/corpus/extractor_fuzzer are its output; seeds that mended bugs left lie beside
-// them.
+// Writes the seeds that the fuzzers begin with into a folder a target. Those in fuzz/corpus are its
+// output; seeds that mended bugs left lie beside them. --check writes nothing, and fails when a
+// seed of the FOLDER is missing or is another one.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <utility>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <vector>
 
-#include "tests/support/AviBuilder.h"
+#include "fuzz/Seeds.h"
 
 namespace avitest {
 
 namespace {
 
-constexpr uint16_t kTagAdpcm = 0x0002;
-constexpr uint16_t kTagMp2 = 0x0050;
-constexpr uint16_t kTagMp3 = 0x0055;
-constexpr uint16_t kTagAac = 0x00FF;
-constexpr uint16_t kTagAc3 = 0x2000;
-constexpr uint16_t kTagDts = 0x2001;
-constexpr uint32_t kFrames = 6;
+namespace fs = std::filesystem;
 
-struct Seed {
-    const char* name;
-    AviFile file;
-};
-
-Bytes sampleOf(const Bytes& head, size_t length, uint32_t number) {
-    return ByteWriter().bytes(head).bytes(patternBytes(length, number)).take();
+// A file with orders and the byte that counts them: see fuzz/Orders.h.
+Bytes input(const Bytes& file, const Bytes& orders) {
+    const auto count = static_cast<uint8_t>(orders.size());
+    return ByteWriter().bytes(file).bytes(orders).u8(count).take();
 }
 
-// Log switches, then a seek in each mode: order, shift and mantissa, see Exercise.cpp.
-Bytes orders(uint8_t logSwitches) {
+// Switches and the way of the opening, then: a seek in each mode, another source of a track, reads
+// whose buffers are kept, a stop, a second extractor, and a source that is freed. See Player.cpp.
+Bytes playerOrders(uint8_t number) {
     ByteWriter out;
-    out.u8(logSwitches);
-    for (const uint8_t order : {0, 1, 2, 3, 8, 0}) {
-        out.u8(order).u8(12).u16(static_cast<uint16_t>(0x0900 + order));
+    out.u8(number % 4).u8(number);
+    for (const uint8_t mode : {0, 1, 2, 3, 4}) {
+        out.u8(4).u8(mode).u8(mode + 8).u8(12).u8(0x09).u8(mode);
+        out.u8(0).u8(mode + 1).u8(2);
     }
+    out.u8(10).u8(0).u8(8).u8(2);                // another source of track 0, started
+    out.u8(15).u8(0).u8(15).u8(0).u8(14).u8(0);  // buffers kept, given back
+    out.u8(8).u8(0).u8(8).u8(0);                 // stopped, started
+    out.u8(11).u8(3).u8(13).u8(1);               // queries
+    out.u8(12).u8(0).u8(1).u8(9).u8(0).u8(0);    // another extractor; the first source freed
     return out.take();
 }
 
-// Frames with their heads in turn, of which the first is a key frame, and audio between them.
-AviFile clip(Stream video, const std::vector<Bytes>& frames, Stream audio, const Bytes& sound) {
-    AviFile avi;
-    const size_t pictures = avi.addStream(std::move(video));
-    const size_t track = avi.addStream(std::move(audio));
-    for (uint32_t i = 0; i < kFrames; ++i) {
-        const size_t head = i % frames.size();
-        avi.addChunk(pictures, sampleOf(frames[head], 40 + i, i), head == 0 ? kKey : kNoFlags);
-        avi.addChunk(track, sampleOf(sound, 96 - sound.size(), i));
+std::vector<Seed> withOrders(Bytes (*orders)(uint8_t number)) {
+    std::vector<Seed> seeds = fileSeeds();
+    uint8_t number = 0;
+    for (Seed& seed : seeds)
+        seed.bytes = input(seed.bytes, orders(number++));
+    return seeds;
+}
+
+void write(const fs::path& file, const Bytes& bytes) {
+    fs::create_directories(file.parent_path());
+    std::ofstream out(file, std::ios::binary);
+    out.exceptions(std::ios::failbit | std::ios::badbit);
+    out.write(reinterpret_cast<const char*>(bytes.data()),
+              static_cast<std::streamsize>(bytes.size()));
+}
+
+void check(const fs::path& file, const Bytes& bytes) {
+    std::ifstream in(file, std::ios::binary);
+    const std::vector<char> there(std::istreambuf_iterator<char>(in), {});
+    if (!in.is_open() || Bytes(there.begin(), there.end()) != bytes) {
+        throw std::runtime_error(file.string() + " is not what fuzz_make_corpus makes");
     }
-    return avi;
 }
 
-const std::vector<Bytes> kJpeg = {{0xFF, 0xD8, 0xFF, 0xE0}};
-const std::vector<Bytes> kMpeg4 = {
-    {0, 0, 1, 0xB6, 0x10}, {0, 0, 1, 0xB6, 0x50}, {0, 0, 1, 0xB6, 0x90}};
-const Bytes kMp3Header = {0xFF, 0xFB, 0x14, 0xC4};  // 32 kbit/s, 48 kHz, one channel: 96 bytes
-const Bytes kMp2Header = {0xFF, 0xFD, 0x14, 0xC4};
-const Bytes kSps = {0x67, 0x42, 0xC0, 0x1E, 0xD9, 0x01, 0x41, 0xFB, 0x01, 0x10, 0x00, 0x00};
-
-Stream jpegStream() {
-    return videoStream("MJPG", 32, 16, 25);
-}
-
-AviFile plain() {
-    AviFile avi = clip(jpegStream(), kJpeg, pcmStream(2, 8000, 16), {});
-    avi.stream(0).name = "de-pictures";
-    avi.stream(0).properties = VideoProperties();
-    avi.segment().beforeMovi = {infoList({{"INAM", "A title"}, {"IART", "Somebody"}}),
-                                Chunk("JUNK", patternBytes(10))};
-    return avi;
-}
-
-AviFile openDml(OpenDml form, size_t segments) {
-    AviFile avi;
-    Stream video = videoStream("XVID", 32, 16, 25);
-    Stream audio = frameAudioStream(kTagMp3, 1, 48000, 1152, 4000);
-    video.openDml = audio.openDml = form;
-    avi.addStream(video);
-    avi.addStream(audio);
-    for (size_t segment = 0; segment < segments; ++segment) {
-        if (segment > 0) avi.addSegment();
-        for (uint32_t i = 0; i < kFrames; ++i) {
-            avi.addChunk(0, sampleOf(kMpeg4[i % 3], 40 + i, i), i % 3 == 0 ? kKey : kNoFlags);
-            avi.addChunk(1, sampleOf(kMp3Header, 92, i));
-        }
-    }
-    avi.segment().index.copies = form == OpenDml::kSuper ? 0 : 1;
-    return avi;
-}
-
-// Groups of chunks, JUNK between them, and no index of any kind.
-AviFile withoutIndex() {
-    AviFile avi;
-    avi.addStream(videoStream("DIVX", 32, 16, 25));
-    avi.addStream(pcmStream(1, 8000, 8));
-    for (uint32_t i = 0; i < kFrames; ++i) {
-        avi.beginGroup();
-        avi.addChunk(0, sampleOf(kMpeg4[i % 3], 40, i));
-        avi.addChunk(1, patternBytes(80, i));
-        avi.endGroup();
-        avi.addLooseChunk(Chunk("JUNK", patternBytes(6)));
-    }
-    avi.segment().index.copies = 0;
-    return avi;
-}
-
-AviFile absoluteOffsets() {
-    AviFile avi = clip(videoStream("DIV3", 32, 16, 25), {{0x10, 0x20}, {0x50, 0x20}},
-                       audioStream(kTagAdpcm, 1, 8000, 4096, 24, 4), {});
-    avi.segment().index.offsets = IndexOffsets::kAbsolute;
-    return avi;
-}
-
-AviFile avcStartCodes() {
-    const Bytes key = ByteWriter()
-                          .bytes(Bytes{0, 0, 0, 1})
-                          .bytes(kSps)
-                          .bytes(Bytes{0, 0, 0, 1, 0x68, 0xCE, 0x3C, 0x80, 0, 0, 0, 1, 0x65, 0x88})
-                          .take();
-    Stream audio = frameAudioStream(kTagAac, 2, 44100, 1024);
-    std::get<WaveFormat>(audio.format).extra = {0x12, 0x10};
-    return clip(videoStream("H264", 352, 288, 25), {key, {0, 0, 0, 1, 0x41, 0x9A}}, audio, {0x21});
-}
-
-AviFile avcPrefixes() {
-    Stream video = videoStream("avc1", 32, 16, 25);
-    const auto spsSize = static_cast<uint8_t>(kSps.size());
-    std::get<BitmapInfo>(video.format).extra = ByteWriter()
-                                                   .bytes(Bytes{1, 66, 0, 30, 0xFF, 0xE1, 0})
-                                                   .u8(spsSize)
-                                                   .bytes(kSps)
-                                                   .bytes(Bytes{1, 0, 4, 0x68, 0xCE, 0x3C, 0x80})
-                                                   .take();
-    return clip(video, {{0, 0, 0, 4, 0x65, 0x88, 1, 2}, {0, 0, 0, 3, 0x41, 0x9A, 1}},
-                frameAudioStream(kTagAc3, 2, 48000, 1536), {0x0B, 0x77, 0, 0, 0x14, 0x40, 0x43});
-}
-
-AviFile hevcAndDts() {
-    const Bytes key = ByteWriter()
-                          .bytes(Bytes{0, 0, 0, 1, 0x40, 0x01, 0x0C, 0x01, 0xFF, 0xFF})
-                          .bytes(Bytes{0, 0, 0, 1, 0x42, 0x01, 0x01, 0x01, 0x60, 0, 0, 3, 0, 0x90})
-                          .bytes(Bytes{0, 0, 0, 1, 0x44, 0x01, 0xC1, 0x72, 0xB4, 0x62, 0x40})
-                          .bytes(Bytes{0, 0, 0, 1, 0x26, 0x01, 0xAF})
-                          .take();
-    return clip(videoStream("HEVC", 32, 16, 25), {key, {0, 0, 0, 1, 0x02, 0x01, 0xD0}},
-                frameAudioStream(kTagDts, 2, 48000, 512),
-                {0x7F, 0xFE, 0x80, 0x01, 0xFC, 0x3C, 0x05, 0xF0, 0xB4, 0x00});
-}
-
-AviFile mpeg2AndMp2() {
-    const Bytes key = {0,    0,    1, 0xB3, 0x02, 0x00, 0x10, 0x13, 0xFF, 0xFF,
-                       0xE0, 0x18, 0, 0,    1,    0xB5, 0x14, 0x8A, 0,    1,
-                       0,    0,    0, 0,    1,    0,    0,    0x0F, 0xFF, 0xF8};
-    return clip(videoStream("MPG2", 32, 16, 25), {key, {0, 0, 1, 0, 0, 0x57, 0xFF, 0xF9}},
-                frameAudioStream(kTagMp2, 1, 48000, 1152, 4000), kMp2Header);
-}
-
-// Frames of MPEG audio that do not end with their chunks.
-AviFile mp3ByBytes() {
-    AviFile avi;
-    avi.addStream(jpegStream());
-    avi.addStream(audioStream(kTagMp3, 1, 48000, 4000, 1));
-    ByteWriter sound;
-    for (uint32_t i = 0; i < 2 * kFrames; ++i)
-        sound.bytes(sampleOf(kMp3Header, 92, i));
-    const size_t chunkSize = sound.size() / kFrames - 5;
-    for (uint32_t i = 0; i < kFrames; ++i) {
-        const auto begin = sound.data().begin() + static_cast<ptrdiff_t>(i * chunkSize);
-        avi.addChunk(0, sampleOf(kJpeg[0], 30, i));
-        avi.addChunk(1, Bytes(begin, begin + static_cast<ptrdiff_t>(chunkSize)));
-    }
-    return avi;
-}
-
-AviFile vc1AndPcm24() {
-    return clip(videoStream("WVC1", 32, 16, 25), {{0, 0, 1, 0x0F, 0xC5}, {0, 0, 1, 0x0D, 0x85}},
-                pcmStream(1, 8000, 24), {});
-}
-
-AviFile subtitlesAndAdts() {
-    AviFile avi =
-        clip(videoStream("XVID", 32, 16, 25), kMpeg4, frameAudioStream(kTagAac, 2, 44100, 1024),
-             {0xFF, 0xF1, 0x50, 0x80, 0x0C, 0x1F, 0xFC});
-    const size_t subtitles = avi.addStream(videoStream("DXSB", 32, 16, 25));
-    avi.addChunk(subtitles, sampleOf(bytesOf("[00:00:00.100-00:00:00.200]"), 30, 1));
-    return avi;
-}
-
-// --- What mended bugs left.
-
-// One chunk at the end of the range of offsets.
-AviFile offsetBeyondAllFiles() {
-    AviFile avi;
-    avi.addStream(jpegStream());
-    avi.segment().index.copies = 0;
-    avi.addChunk(0, sampleOf(kJpeg[0], 40, 0));
-    avi.stream(0).edit = [](Chunk& strl) {
-        StandardIndex index;
-        index.header.baseOffset = 0x7FFFFFFFFFFFFFFF;
-        index.entries = {{0, 44}};
-        strl.add(Chunk("indx", index.toBytes()));
+void forEachSeed(const fs::path& folder, void (*act)(const fs::path& file, const Bytes& bytes)) {
+    const std::pair<const char*, std::vector<Seed>> targets[] = {
+        {"extractor_fuzzer", withOrders(playerOrders)},
+        {"sps_fuzzer", parameterSetSeeds()},
     };
-    return avi;
-}
-
-// Frames whose length prefixes look like the start codes of B-frames.
-AviFile rowOfSeemingBFrames() {
-    AviFile avi = avcPrefixes();
-    const Bytes frame = ByteWriter().bytes(Bytes{0, 0, 1, 0x41, 0xA0}).fill(320, 0xFF).take();
-    for (uint32_t i = 0; i < 2 * kFrames; ++i)
-        avi.addChunk(0, frame, i % 4 == 0 ? kKey : kNoFlags);
-    return avi;
-}
-
-// Junk of a block, by which the stream counts in blocks, frames, and blocks without a header.
-AviFile blocksWithoutHeader() {
-    constexpr size_t kBlock = 1152;
-    AviFile avi;
-    Stream audio = frameAudioStream(kTagMp3, 1, 48000, 1152, 4000);
-    std::get<WaveFormat>(audio.format).blockAlign = kBlock;
-    avi.addStream(audio);
-    avi.addChunk(0, Bytes(kBlock, 0x11));
-    for (uint32_t i = 0; i < kFrames; ++i)
-        avi.addChunk(0, sampleOf(kMp3Header, 92, i));
-    avi.addChunk(0, Bytes(4 * kBlock + 100, 0x22));
-    avi.addChunk(0, sampleOf(kMp3Header, 92, 0));
-    return avi;
-}
-
-AviFile subtitleBeforeZero() {
-    AviFile avi = clip(jpegStream(), kJpeg, pcmStream(1, 8000, 16), {});
-    const size_t subtitles = avi.addStream(videoStream("DXSB", 32, 16, 25));
-    avi.addChunk(subtitles, sampleOf(bytesOf("[ -: -: -. --00:00:00.200]"), 30, 1));
-    return avi;
-}
-
-std::vector<Seed> seeds() {
-    return {{"idx1_mjpeg_pcm16", plain()},
-            {"idx1_absolute_div3_adpcm", absoluteOffsets()},
-            {"opendml_standard_mpeg4_mp3", openDml(OpenDml::kStandard, 1)},
-            {"opendml_super_two_segments", openDml(OpenDml::kSuper, 2)},
-            {"no_index_rec_lists_pcm8", withoutIndex()},
-            {"avc_start_codes_aac_raw", avcStartCodes()},
-            {"avc_prefixes_ac3", avcPrefixes()},
-            {"hevc_dts", hevcAndDts()},
-            {"mpeg2_mp2", mpeg2AndMp2()},
-            {"mjpeg_mp3_by_bytes", mp3ByBytes()},
-            {"vc1_pcm24", vc1AndPcm24()},
-            {"subtitles_aac_adts", subtitlesAndAdts()},
-            {"bug_offset_beyond_all_files", offsetBeyondAllFiles()},
-            {"bug_row_of_seeming_b_frames", rowOfSeemingBFrames()},
-            {"bug_blocks_without_header", blocksWithoutHeader()},
-            {"bug_subtitle_before_zero", subtitleBeforeZero()}};
-}
-
-void writeSeeds(const std::filesystem::path& folder) {
-    std::filesystem::create_directories(folder);
-    uint8_t logSwitches = 0;
-    for (Seed& seed : seeds()) {
-        seed.file.trailing = orders(logSwitches++ % 4);
-        const Bytes bytes = seed.file.build();
-        std::ofstream out(folder / (std::string(seed.name) + ".avi"), std::ios::binary);
-        out.exceptions(std::ios::failbit | std::ios::badbit);
-        out.write(reinterpret_cast<const char*>(bytes.data()),
-                  static_cast<std::streamsize>(bytes.size()));
+    for (const auto& [target, seeds] : targets) {
+        for (const Seed& seed : seeds)
+            act(folder / target / seed.name, seed.bytes);
     }
 }
 
@@ -278,12 +85,13 @@ void writeSeeds(const std::filesystem::path& folder) {
 }  // namespace avitest
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: fuzz_make_corpus FOLDER\n");
+    const bool isCheck = argc == 3 && std::string(argv[1]) == "--check";
+    if (argc != 2 && !isCheck) {
+        std::fprintf(stderr, "usage: fuzz_make_corpus [--check] FOLDER\n");
         return 2;
     }
     try {
-        avitest::writeSeeds(argv[1]);
+        avitest::forEachSeed(argv[argc - 1], isCheck ? avitest::check : avitest::write);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "fuzz_make_corpus: %s\n", error.what());
         return 1;
