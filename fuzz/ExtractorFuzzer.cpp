@@ -19,7 +19,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     session.run([&session, data, size] {
         const avifuzz::Input input(data, size);
         android::service::MemorySource source(input.file, input.fileSize);
-        avifuzz::exercise(session.plugin(), source, input.orders);
+        avifuzz::exercise(session.plugin(), source, input.fileSize, input.orders);
     });
     return 0;
 }

@@ -6,7 +6,7 @@
 # Builds the preset fuzz and lets each TARGET (all below fuzz/corpus when none is named) run for MINUTES
 # (1), one after the other. What a target learns is kept in build/fuzz/corpus/TARGET. An input with
 # which something is wrong lies in build/fuzz/findings/TARGET; run `build/fuzz/bin/TARGET_replay FILE`
-# to see it again.
+# to see it again. AVI_FUZZ_BUDGETS=0 in the environment lets files cost what they like to open.
 # Prints what each target executed and covered; exit status 1 when there is a finding.
 set -euo pipefail
 
