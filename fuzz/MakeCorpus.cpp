@@ -45,6 +45,31 @@ Bytes playerOrders(uint8_t number) {
     return out.take();
 }
 
+// Every kind of size, with as many faults as the seed's number says: see UnsteadySource.cpp.
+Bytes sourceOrders(uint8_t number) {
+    ByteWriter out;
+    switch (number % 8) {
+        case 0:
+        case 6:
+        case 7:
+            out.u8(number % 8);
+            break;
+        case 1:
+        case 5:
+            out.u8(number % 8).u8(4).u8(1).u8(number);
+            break;
+        default:
+            out.u8(number % 8).u8(1).u8(number);
+            break;
+    }
+    out.u8(number % 3);
+    for (uint8_t i = 0; i < number % 3; ++i) {
+        out.u8(static_cast<uint8_t>(number + i)).u8(5).u8(2).u8(static_cast<uint8_t>(10 * number));
+        if ((number + i) / 2 % 3 == 2) out.u8(40);
+    }
+    return out.bytes(playerOrders(number)).take();
+}
+
 std::vector<Seed> withOrders(Bytes (*orders)(uint8_t number)) {
     std::vector<Seed> seeds = fileSeeds();
     uint8_t number = 0;
@@ -72,6 +97,7 @@ void check(const fs::path& file, const Bytes& bytes) {
 void forEachSeed(const fs::path& folder, void (*act)(const fs::path& file, const Bytes& bytes)) {
     const std::pair<const char*, std::vector<Seed>> targets[] = {
         {"extractor_fuzzer", withOrders(playerOrders)},
+        {"source_fuzzer", withOrders(sourceOrders)},
         {"sps_fuzzer", parameterSetSeeds()},
     };
     for (const auto& [target, seeds] : targets) {
