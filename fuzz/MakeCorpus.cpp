@@ -98,6 +98,7 @@ void forEachSeed(const fs::path& folder, void (*act)(const fs::path& file, const
     const std::pair<const char*, std::vector<Seed>> targets[] = {
         {"extractor_fuzzer", withOrders(playerOrders)},
         {"source_fuzzer", withOrders(sourceOrders)},
+        {"parser_fuzzer", parserSeeds()},
         {"sps_fuzzer", parameterSetSeeds()},
     };
     for (const auto& [target, seeds] : targets) {

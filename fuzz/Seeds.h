@@ -21,4 +21,7 @@ std::vector<Seed> fileSeeds();
 // AVC sequence parameter sets. SpsSeeds.cpp
 std::vector<Seed> parameterSetSeeds();
 
+// Inputs of the fuzzer of the parsers. ParserSeeds.cpp
+std::vector<Seed> parserSeeds();
+
 }  // namespace avitest
