@@ -100,6 +100,7 @@ void forEachSeed(const fs::path& folder, void (*act)(const fs::path& file, const
         {"source_fuzzer", withOrders(sourceOrders)},
         {"parser_fuzzer", parserSeeds()},
         {"sps_fuzzer", parameterSetSeeds()},
+        {"structure_fuzzer", withOrders(playerOrders)},
     };
     for (const auto& [target, seeds] : targets) {
         for (const Seed& seed : seeds)
