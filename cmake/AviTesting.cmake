@@ -24,9 +24,15 @@ target_compile_options(avi_test_header PRIVATE -O1)
 target_precompile_headers(avi_test_header PRIVATE
     <gmock/gmock.h> <gtest/gtest.h> <cstdint> <functional> <memory> <optional> <string> <vector>)
 
-# avi_add_test(NAME SOURCES... [LIBS...] [SPAWNS]): one test program, its cases registered with ctest
-# when the suite runs, so that a cross build does not need the emulator. SPAWNS: it executes other
-# programs of this build. A test leaves GoogleTest's death_test_style as it finds it.
+# Starting a program costs more than most cases where it is instrumented or emulated.
+if(AVI_SANITIZE OR CMAKE_CROSSCOMPILING)
+    set(AVI_TEST_ENTRY_PROGRAM ON)
+endif()
+
+# avi_add_test(NAME SOURCES... [LIBS...] [SPAWNS]): one test program. Each of its cases is an entry of
+# ctest, found when the suite runs; under sanitizers and in cross builds the whole program is one.
+# SPAWNS: it executes other programs of this build. A test leaves GoogleTest's death_test_style as it
+# finds it.
 function(avi_add_test name)
     cmake_parse_arguments(arg "SPAWNS" "" "SOURCES;LIBS" ${ARGN})
     add_executable(${name} ${arg_SOURCES})
@@ -39,7 +45,13 @@ function(avi_add_test name)
         set_target_properties(${name} PROPERTIES
             CROSSCOMPILING_EMULATOR "${AVI_SPAWNING_EMULATOR}")
     endif()
-    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-                         PROPERTIES TIMEOUT 120
-                         ENVIRONMENT GTEST_DEATH_TEST_STYLE=${AVI_DEATH_TEST_STYLE})
+    if(AVI_TEST_ENTRY_PROGRAM)
+        add_test(NAME ${name} COMMAND ${name})
+        set_tests_properties(${name} PROPERTIES
+            TIMEOUT 1800 ENVIRONMENT GTEST_DEATH_TEST_STYLE=${AVI_DEATH_TEST_STYLE})
+    else()
+        gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+                             PROPERTIES TIMEOUT 120
+                             ENVIRONMENT GTEST_DEATH_TEST_STYLE=${AVI_DEATH_TEST_STYLE})
+    endif()
 endfunction()

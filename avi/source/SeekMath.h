@@ -11,8 +11,8 @@
 
 namespace android {
 
-// Frame or block at `timeUs` of a stream with rate / scale units a second, rounded; 0 when scale is
-// 0. The count of whole units passes through a float.
+// Frame or block at `timeUs` of a stream with rate / scale units a second; 0 when scale is 0. Whole
+// units are counted, a part of one is cut off; their count passes through a float.
 int32_t unitAtTime(int64_t timeUs, uint32_t scale, uint32_t rate);
 
 // The same for raw AAC of one frame a chunk, all in floats.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Fatal assertions. They guard the contract with the framework (a source read before its start)
-// and the consistency of our own tables; damaged files never reach one.
+// and the consistency of our own tables. Some a file can reach: docs/security.md lists them.
 #pragma once
 
 #include <log/log.h>
