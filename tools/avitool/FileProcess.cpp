@@ -114,9 +114,8 @@ std::optional<Texts> splitTexts(std::string_view bytes) {
 
 [[noreturn]] void runChild(int descriptor, const std::function<Texts()>& work) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    pluginlog::setAbortAction([descriptor](const std::string& reason) {
-        finish(descriptor, kReasonStatus, {reason});
-    });
+    pluginlog::setAbortAction(
+        [descriptor](const std::string& reason) { finish(descriptor, kReasonStatus, {reason}); });
     Texts texts;
     const std::optional<std::string> problem = problemOf([&] { texts = work(); });
     if (problem) finish(descriptor, kReasonStatus, {*problem});

@@ -68,8 +68,8 @@ TEST(Install, ProgramsLookForLibrariesInTheTreeAndNotInTheBuild) {
     }
 }
 
-// Those that are found in no folder before the system's, so that an empty entry would take them from
-// the folder in which the tool is started.
+// Those that are found in no folder before the system's, so that an empty entry would take them
+// from the folder in which the tool is started.
 TEST(Install, ALibraryInTheCurrentFolderIsNotLoaded) {
     const TempDir folder;
     for (const char* name : {"libz.so.1", "libstdc++.so.6", "libgcc_s.so.1", "libm.so.6"})

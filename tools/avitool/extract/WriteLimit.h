@@ -27,9 +27,10 @@ class WriteLimit {
     /** To be called before `bytes` are written. Throws FileError when they are too many. */
     void spend(uint64_t bytes) {
         if (bytes > mLeft) {
-            throw FileError(fmt::format("not extracted further, because --force is needed to write "
-                                        "more than {} bytes, {} times the size of the file",
-                                        mLimit, kTimes));
+            throw FileError(
+                fmt::format("not extracted further, because --force is needed to write "
+                            "more than {} bytes, {} times the size of the file",
+                            mLimit, kTimes));
         }
         mLeft -= bytes;
     }
