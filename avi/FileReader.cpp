@@ -13,13 +13,13 @@ namespace {
 
 // An honest file has a part of its bytes read as buffers, and few of them twice.
 constexpr uint64_t kBufferBudgetFactor = 4;
-constexpr uint64_t kBufferBudgetBase = 64 * 1024;
+constexpr uint64_t kBufferBudgetBase = 0x10000;
 
 // The window: up to the transfer unit of the platform's remote sources, and only for pieces that
 // lie so close together that some of them fit in.
-constexpr size_t kMaxWindow = 64 * 1024;
-constexpr size_t kMinWindow = 4 * 1024;
-constexpr int64_t kMaxGap = 8 * 1024;
+constexpr size_t kMaxWindow = 0x10000;
+constexpr size_t kMinWindow = 0x1000;
+constexpr int64_t kMaxGap = 0x2000;
 constexpr uint32_t kMinRow = 16;  // pieces that lay so close, before any is fetched ahead of time
 
 }  // namespace
