@@ -7,13 +7,15 @@
 #include <algorithm>
 #include <limits>
 
+#include "support/Arithmetic.h"
+
 namespace android {
 
 namespace {
 
 // An honest file has a part of its bytes read as buffers, and few of them twice.
-constexpr uint64_t kBufferBudgetFactor = 4;
-constexpr uint64_t kBufferBudgetBase = 0x10000;
+constexpr int64_t kBufferBudgetFactor = 4;
+constexpr int64_t kBufferBudgetBase = 0x10000;
 
 // The window: up to the transfer unit of the platform's remote sources, and only for pieces that
 // lie so close together that some of them fit in.
@@ -49,8 +51,9 @@ bool FileReader::readExactly(int64_t offset, void* out, size_t size) const {
 
 void FileReader::keepSize() {
     mSize = askSize();
-    mBufferBudget = kBufferBudgetFactor * static_cast<uint64_t>(std::max<int64_t>(mSize, 0)) +
-                    kBufferBudgetBase;
+    const int64_t known = std::max<int64_t>(mSize, 0);  // sources may claim anything
+    mBufferBudget = static_cast<uint64_t>(
+        saturateToInt64(Wide{known} * kBufferBudgetFactor + kBufferBudgetBase));
 }
 
 bool FileReader::isInWindow(int64_t offset, size_t size) const {
