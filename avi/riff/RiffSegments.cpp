@@ -130,6 +130,15 @@ int64_t RiffSegments::walkEnd(const Walk& walk, const ChunkHeader& riff) const {
     return end;
 }
 
+status_t RiffSegments::unreadableChunk(const Walk& walk, int64_t position) {
+    if (!walk.isFirst()) {
+        return fail("parseMoreRIFF", status_t{ERROR_IO}, kLineUnreadableMoreRiffChunk);
+    }
+    AVI_LOGE("%s(): failed to read header at %llX! @line%d", "parseFirstRIFF", ull(position),
+             kLineUnreadableFirstRiffChunk);
+    return ERROR_IO;
+}
+
 status_t RiffSegments::walkSegment(Walk* walk) {
     ChunkHeader riff;
     status_t err = readSegmentHeader(*walk, &riff);
@@ -142,14 +151,7 @@ status_t RiffSegments::walkSegment(Walk* walk) {
     while (position < end) {
         const HeaderRead read = chunk.advance();
         if (read == HeaderRead::kZeroTail) break;
-        if (read == HeaderRead::kUnreadable) {
-            if (!walk->isFirst()) {
-                return fail("parseMoreRIFF", status_t{ERROR_IO}, kLineUnreadableMoreRiffChunk);
-            }
-            AVI_LOGE("%s(): failed to read header at %llX! @line%d", "parseFirstRIFF",
-                     ull(position), kLineUnreadableFirstRiffChunk);
-            return ERROR_IO;
-        }
+        if (read == HeaderRead::kUnreadable) return unreadableChunk(*walk, position);
         logChunk(walk->function, chunk);
         err = parseChunk(chunk, walk);
         if (err != OK) return err;

@@ -52,6 +52,7 @@ class RiffSegments {
 
     status_t parseMoreRIFF(size_t number);
     status_t readSegmentHeader(const Walk& walk, ChunkHeader* out) const;
+    static status_t unreadableChunk(const Walk& walk, int64_t position);
     status_t walkSegment(Walk* walk);
     status_t parseChunk(const ChunkWalker& chunk, Walk* walk);
     status_t parseIndex(const ChunkWalker& chunk, Walk* walk);
