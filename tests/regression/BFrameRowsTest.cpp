@@ -3,6 +3,8 @@
 // A frame's time depends on the B-frames after it. A row of them as long as the film was read to
 // its end again for every frame, and at every seek.
 
+#include <limits>
+
 #include "tests/behaviour/seeking/SeekingFixture.h"
 
 namespace avitest {
@@ -70,6 +72,48 @@ TEST_F(BFrameRows, RowsAreToldApart) {
     const std::vector<int64_t> places = {0, 1, 4, 3, 8, 5, 6, 7, 9};
     for (const int64_t place : places)
         EXPECT_EQ(started.sample().timeUs, place * kFrameUs);
+}
+
+// Only the last row was remembered, the other was read again at each seek.
+TEST_F(BFrameRows, SeeksIntoTwoRowsByTurnsLookAheadOnce) {
+    const std::string row(50, 'B');
+    AviFile avi = videoFile("I" + row + "PI" + row + "P");
+    open(avi);
+    StartedTrack started(track(0));
+    const Landing first = seek(started, kPrevious, 0);
+    EXPECT_EQ(first.timeUs, 50 * kFrameUs);
+    const Landing second = seek(started, kPrevious, 60 * kFrameUs);
+    EXPECT_EQ(second.timeUs, 102 * kFrameUs);
+    source().reset();
+    EXPECT_EQ(seek(started, kPrevious, 0), first);
+    EXPECT_EQ(seek(started, kPrevious, 60 * kFrameUs), second);
+    EXPECT_EQ(2u, source().callCount());
+}
+
+// What a source could not give for a moment it is asked for again.
+TEST_F(BFrameRows, FrameThatWasUnreadableOnceIsCounted) {
+    AviFile avi = videoFile("IBBBP");
+    open(avi);
+    const auto frame = static_cast<off64_t>(avi.chunks(0)[2].place.dataOffset);
+    StartedTrack started(track(0));
+    source().inject(Fault::shortRead(3).onOffsets(frame, frame + 1));
+    EXPECT_EQ(seek(started, kPrevious, 0).timeUs, 2 * kFrameUs);
+    source().clearFaults();
+    EXPECT_EQ(seek(started, kPrevious, 0).timeUs, 3 * kFrameUs);
+}
+
+// A source that fails for good is asked twice, not again for each frame of the row.
+TEST_F(BFrameRows, UnreadableRowIsReadTwice) {
+    AviFile avi = videoFile("I" + std::string(100, 'B') + "P");
+    open(avi);
+    const auto row = static_cast<off64_t>(avi.chunks(0)[1].place.dataOffset);
+    StartedTrack started(track(0));
+    source().inject(Fault::shortRead(3).onOffsets(row, std::numeric_limits<off64_t>::max()));
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(seek(started, kPrevious, 0).timeUs, 0);
+    source().reset();
+    EXPECT_EQ(seek(started, kPrevious, 0).timeUs, 0);
+    EXPECT_EQ(1u, source().callCount());
 }
 
 // An unreadable frame counts for none, wherever in the row the look begins.
