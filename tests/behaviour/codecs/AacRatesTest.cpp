@@ -10,8 +10,8 @@ namespace {
 using ::testing::Contains;
 
 // ISO/IEC 14496-3, table 1.18, by index.
-constexpr uint32_t kRates[] = {96000, 88200, 64000, 48000, 44100, 32000,
-                               24000, 22050, 16000, 12000, 11025, 8000};
+constexpr uint32_t kAacRates[] = {96000, 88200, 64000, 48000, 44100, 32000,
+                                  24000, 22050, 16000, 12000, 11025, 8000};
 
 Bytes configOf(unsigned objectType, unsigned index, unsigned channels) {
     const unsigned bits = objectType << 11 | index << 7 | channels << 3;
@@ -21,7 +21,7 @@ Bytes configOf(unsigned objectType, unsigned index, unsigned channels) {
 class AacRates : public AacTest, public ::testing::WithParamInterface<unsigned> {
   protected:
     const unsigned mIndex = GetParam();
-    const uint32_t mRate = kRates[mIndex];
+    const uint32_t mRate = kAacRates[mIndex];
 };
 
 TEST_P(AacRates, IndexOfAdtsIsPublished) {

@@ -115,6 +115,8 @@ struct SubstreamHeader {
     }
 };
 
+constexpr char kDts[] = "audio/vnd.dts";
+
 // Tracks of DTS.
 class DtsTest : public CodecTest {
   protected:

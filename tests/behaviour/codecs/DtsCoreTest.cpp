@@ -9,8 +9,6 @@ namespace {
 
 using ::testing::Contains;
 
-constexpr char kDts[] = "audio/vnd.dts";
-
 class DtsCore : public DtsTest {};
 
 // Table 5-4, with mono played as stereo; what users define counts as stereo.

@@ -11,7 +11,6 @@ using ::testing::Contains;
 
 constexpr char kHd[] = "audio/vnd.dts.hd";
 constexpr char kExpress[] = "audio/vnd.dts.hd;profile=lbr";
-constexpr char kDts[] = "audio/vnd.dts";
 
 class DtsSubstream : public DtsTest {
   protected:

@@ -10,7 +10,7 @@ namespace avitest {
 
 namespace {
 
-constexpr LogText kRows[] = {
+constexpr LogText kCodecRows[] = {
     {"%s(): Start code + NALU style H264 from sample %zu", kWarning, Gate::kAlways, avcStartCodes,
      "generateVideoCodecData(): Start code + NALU style H264 from sample 1", plainFile},
     {"%s(): Length + NALU style H264", kWarning, Gate::kAlways, avcStartCodes,
@@ -161,6 +161,6 @@ constexpr LogText kRows[] = {
 
 }  // namespace
 
-const Rows<LogText> kCodecTexts = {std::begin(kRows), std::size(kRows)};
+const Rows<LogText> kCodecTexts = {std::begin(kCodecRows), std::size(kCodecRows)};
 
 }  // namespace avitest

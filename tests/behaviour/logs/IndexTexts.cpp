@@ -10,7 +10,7 @@ namespace avitest {
 
 namespace {
 
-constexpr LogText kRows[] = {
+constexpr LogText kIndexRows[] = {
     {"%s(): Chunked file with wrong idx1(end %lld, fileSize %lld), ignore it!", kWarning,
      Gate::kAlways, cutIdx1,
      "parseIDX1(): Chunked file with wrong idx1(end 16880, fileSize 16872), ignore it!", plainFile},
@@ -143,6 +143,6 @@ constexpr LogText kRows[] = {
 
 }  // namespace
 
-const Rows<LogText> kIndexTexts = {std::begin(kRows), std::size(kRows)};
+const Rows<LogText> kIndexTexts = {std::begin(kIndexRows), std::size(kIndexRows)};
 
 }  // namespace avitest

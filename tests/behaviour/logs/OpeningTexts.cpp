@@ -10,7 +10,7 @@ namespace avitest {
 
 namespace {
 
-constexpr LogText kRows[] = {
+constexpr LogText kOpeningRows[] = {
     {"Sniff +", kVerbose, Gate::kExtractLog, plainFile, "Sniff +", nullptr},
     {"Sniff - *confidence = 0 @L%d", kVerbose, Gate::kExtractLog, refused,
      "Sniff - *confidence = 0 @L5658", plainFile},
@@ -199,6 +199,6 @@ constexpr LogText kRows[] = {
 
 }  // namespace
 
-const Rows<LogText> kOpeningTexts = {std::begin(kRows), std::size(kRows)};
+const Rows<LogText> kOpeningTexts = {std::begin(kOpeningRows), std::size(kOpeningRows)};
 
 }  // namespace avitest

@@ -10,7 +10,7 @@ namespace avitest {
 
 namespace {
 
-constexpr LogText kRows[] = {
+constexpr LogText kSourceRows[] = {
     {"%s(): error -%X @line%d", kError, Gate::kAlways, chunkLargerThanAnyBuffer,
      "start(): error -2711 @line#", plainFile},
     {"+ start track %s bufferSize %d", kDebug, Gate::kAlways, plainFile,
@@ -207,6 +207,6 @@ constexpr LogText kRows[] = {
 
 }  // namespace
 
-const Rows<LogText> kSourceTexts = {std::begin(kRows), std::size(kRows)};
+const Rows<LogText> kSourceTexts = {std::begin(kSourceRows), std::size(kSourceRows)};
 
 }  // namespace avitest

@@ -10,7 +10,7 @@ namespace avitest {
 
 namespace {
 
-constexpr LogText kRows[] = {
+constexpr LogText kStreamRows[] = {
     {"%s(): no chunk can name stream %u, skip it!", kWarning, Gate::kAlways,
      moreStreamsThanIdsCanName, "parseSTRL(): no chunk can name stream 2278, skip it!", plainFile},
     {"%u more lines like \"%s\" are not printed", kWarning, Gate::kAlways,
@@ -225,6 +225,6 @@ constexpr LogText kRows[] = {
 
 }  // namespace
 
-const Rows<LogText> kStreamTexts = {std::begin(kRows), std::size(kRows)};
+const Rows<LogText> kStreamTexts = {std::begin(kStreamRows), std::size(kStreamRows)};
 
 }  // namespace avitest

@@ -10,7 +10,7 @@ namespace avitest {
 
 namespace {
 
-constexpr LogText kRows[] = {
+constexpr LogText kTrackDumpRows[] = {
     {"    mScale         %u", kVerbose, Gate::kExtractLog, plainFile, "    mScale         1",
      fileWithoutMovi},
     {"    mRate          %u", kVerbose, Gate::kExtractLog, plainFile, "    mRate          25",
@@ -103,6 +103,6 @@ constexpr LogText kRows[] = {
 
 }  // namespace
 
-const Rows<LogText> kTrackDumpTexts = {std::begin(kRows), std::size(kRows)};
+const Rows<LogText> kTrackDumpTexts = {std::begin(kTrackDumpRows), std::size(kTrackDumpRows)};
 
 }  // namespace avitest

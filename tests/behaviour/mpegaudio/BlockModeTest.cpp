@@ -117,10 +117,10 @@ TEST_F(BlockMode, TimesBlocksByTheStreamsUnit) {
     // 1 + 1 + 2 + 1 blocks; chunks share the duration, counted from the first that is no junk.
     const int64_t durationUs = int64_t{5} * 1152 * 1000000 / 44100;
     EXPECT_EQ(trackFormat(0).getInt64(AMEDIAFORMAT_KEY_DURATION), durationUs);
-    const int64_t first = 2 * kFrameUs;
+    const int64_t first = 2 * kMp3FrameUs;
     EXPECT_EQ(timesOf(readAll(0)),
-              (std::vector<int64_t>{kFrameUs, first, first + kBlockUs, first + 2 * kBlockUs,
-                                    first + 2 * kBlockUs + kFrameUs}));
+              (std::vector<int64_t>{kMp3FrameUs, first, first + kBlockUs, first + 2 * kBlockUs,
+                                    first + 2 * kBlockUs + kMp3FrameUs}));
 }
 
 // To the block that holds the time, though it is not the first of its chunk.

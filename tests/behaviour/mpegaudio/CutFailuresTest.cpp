@@ -205,7 +205,7 @@ TEST_F(CutFailures, NoBufferForAFrameMovesTheRunningTime) {
     EXPECT_EQ(reader.status(), AMEDIA_ERROR_UNKNOWN);
     const ReadResult next = reader.read();
     ASSERT_EQ(next.status, AMEDIA_OK);
-    EXPECT_EQ(sampleOf(next.buffer).timeUs, 2 * kFrameUs);
+    EXPECT_EQ(sampleOf(next.buffer).timeUs, 2 * kMp3FrameUs);
 }
 
 TEST_F(CutFailures, SuccessWithoutBufferAborts) {

@@ -24,8 +24,8 @@ class CutTimes : public MpegAudioTest {
 
 TEST_F(CutTimes, OfAChunkRunOnWithTheFrames) {
     openStream(mp3Bytes(), {joined(frames(4))});
-    EXPECT_EQ(timesOf(readAll(0)),
-              (std::vector<int64_t>{kFrameUs, 2 * kFrameUs, 3 * kFrameUs, 4 * kFrameUs}));
+    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{kMp3FrameUs, 2 * kMp3FrameUs,
+                                                         3 * kMp3FrameUs, 4 * kMp3FrameUs}));
 }
 
 TEST_F(CutTimes, FollowTheBitRateOfEachFrame) {
@@ -38,27 +38,28 @@ TEST_F(CutTimes, FollowTheBitRateOfEachFrame) {
 
 TEST_F(CutTimes, AreNeverBeforeTheChunk) {
     openStream(mp3Bytes(4000), {joined(frames(2)), frame(2), frame(3)});
-    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{kFrameUs, 2 * kFrameUs, 208500, 312750}));
+    EXPECT_EQ(timesOf(readAll(0)),
+              (std::vector<int64_t>{kMp3FrameUs, 2 * kMp3FrameUs, 208500, 312750}));
 }
 
 TEST_F(CutTimes, RunAheadOfChunksThatAreTooEarly) {
     openStream(mp3Bytes(64000), {joined(frames(2)), frame(2), frame(3)});
-    EXPECT_EQ(timesOf(readAll(0)),
-              (std::vector<int64_t>{kFrameUs, 2 * kFrameUs, 3 * kFrameUs, 4 * kFrameUs}));
+    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{kMp3FrameUs, 2 * kMp3FrameUs,
+                                                         3 * kMp3FrameUs, 4 * kMp3FrameUs}));
 }
 
 // Unlike a whole one it begins where the one before ended, so that two in a row have one time.
 TEST_F(CutTimes, OfASplitFrameIsThatOfItsBeginning) {
     openStream(mp3Bytes(64000), split(joined(frames(4)), {2 * kFrameSize + 100}));
-    EXPECT_EQ(timesOf(readAll(0)),
-              (std::vector<int64_t>{kFrameUs, 2 * kFrameUs, 2 * kFrameUs, 4 * kFrameUs}));
+    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{kMp3FrameUs, 2 * kMp3FrameUs,
+                                                         2 * kMp3FrameUs, 4 * kMp3FrameUs}));
 }
 
 TEST_F(CutTimes, OfASplitFrameIsThatOfALaterChunk) {
     openStream(mp3Bytes(4000), split(joined(frames(4)), {2 * kFrameSize, 100}));
     // The second chunk begins at 208500 us, the third at 233500 us.
-    EXPECT_EQ(timesOf(readAll(0)),
-              (std::vector<int64_t>{kFrameUs, 2 * kFrameUs, 208500, 208500 + 2 * kFrameUs}));
+    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{kMp3FrameUs, 2 * kMp3FrameUs, 208500,
+                                                         208500 + 2 * kMp3FrameUs}));
 }
 
 TEST_F(CutTimes, OfAStreamOfChunksShareTheDuration) {
@@ -66,7 +67,7 @@ TEST_F(CutTimes, OfAStreamOfChunksShareTheDuration) {
     stream.header.length = 1000;  // much longer than the frames
     const int64_t durationUs = int64_t{1000} * 1152 * 1000000 / 44100;
     openStream(stream, frames(4));
-    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{kFrameUs, durationUs / 4,
+    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{kMp3FrameUs, durationUs / 4,
                                                          durationUs * 2 / 4, durationUs * 3 / 4}));
 }
 
@@ -104,8 +105,8 @@ TEST_F(CutTimes, RunOnFromTheTimeOfASeek) {
     const std::vector<Sample> samples = readFrom(0, {android::SEEK, 100000}, 2);
     ASSERT_EQ(samples.size(), 2u);
     EXPECT_EQ(samples[0].bytes, frame(3));
-    EXPECT_EQ(samples[0].timeUs, 100000 + kFrameUs);
-    EXPECT_EQ(samples[1].timeUs, 100000 + 2 * kFrameUs);
+    EXPECT_EQ(samples[0].timeUs, 100000 + kMp3FrameUs);
+    EXPECT_EQ(samples[1].timeUs, 100000 + 2 * kMp3FrameUs);
 }
 
 TEST_F(CutTimes, OfASeekBeforeTheBeginningRunOnFromZero) {
@@ -113,7 +114,7 @@ TEST_F(CutTimes, OfASeekBeforeTheBeginningRunOnFromZero) {
     const std::vector<Sample> samples = readFrom(0, {android::SEEK, -5}, 1);
     ASSERT_EQ(samples.size(), 1u);
     EXPECT_EQ(samples[0].bytes, frame(0));
-    EXPECT_EQ(samples[0].timeUs, kFrameUs);
+    EXPECT_EQ(samples[0].timeUs, kMp3FrameUs);
 }
 
 TEST_F(CutTimes, SeekDropsTheRestOfTheChunk) {
@@ -138,11 +139,11 @@ TEST_F(CutTimes, SeekForgetsTheBytesASplitFrameTook) {
 TEST_F(CutTimes, RunOnAfterARestart) {
     openStream(mp3Bytes(), frames(5));
     const std::unique_ptr<Track> source = track(0);
-    EXPECT_EQ(readTrack(*source, {}, 2).samples[1].timeUs, 2 * kFrameUs);
+    EXPECT_EQ(readTrack(*source, {}, 2).samples[1].timeUs, 2 * kMp3FrameUs);
     const ReadRun again = readTrack(*source, {}, 1);
     ASSERT_EQ(again.samples.size(), 1u);
     EXPECT_EQ(again.samples[0].bytes, frame(0));
-    EXPECT_EQ(again.samples[0].timeUs, 3 * kFrameUs);
+    EXPECT_EQ(again.samples[0].timeUs, 3 * kMp3FrameUs);
 }
 
 }  // namespace

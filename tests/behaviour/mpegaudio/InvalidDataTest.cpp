@@ -26,7 +26,7 @@ TEST_F(InvalidData, JunkInTheFirstFramesChunkIsLeftOut) {
 
 TEST_F(InvalidData, ChunksOfJunkTakeNoTimeInAStreamOfBytes) {
     openStream(mp3Bytes(8000), {noise(100), noise(900), joined(frames(2)), frame(2)});
-    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{kFrameUs, 2 * kFrameUs, 104250}));
+    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{kMp3FrameUs, 2 * kMp3FrameUs, 104250}));
 }
 
 TEST_F(InvalidData, ChunksOfJunkTakeNoTimeInAStreamOfChunks) {
@@ -34,13 +34,14 @@ TEST_F(InvalidData, ChunksOfJunkTakeNoTimeInAStreamOfChunks) {
     stream.header.length = 400;
     openStream(stream, {noise(100), noise(900), joined(frames(2)), frame(2)});
     const int64_t durationUs = int64_t{400} * 1152 * 1000000 / 44100;
-    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{kFrameUs, 2 * kFrameUs, durationUs / 4}));
+    EXPECT_EQ(timesOf(readAll(0)),
+              (std::vector<int64_t>{kMp3FrameUs, 2 * kMp3FrameUs, durationUs / 4}));
 }
 
 // Its own chunk is read from the beginning.
 TEST_F(InvalidData, JunkInTheFirstFramesChunkTakesItsTime) {
     openStream(mp3Bytes(8000), {joined({noise(1000), frame(0), frame(1)}), frame(2)});
-    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{kFrameUs, 2 * kFrameUs, 229250}));
+    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{kMp3FrameUs, 2 * kMp3FrameUs, 229250}));
 }
 
 TEST_F(InvalidData, SeekToTheBeginningStaysBehindTheJunk) {

@@ -149,12 +149,14 @@ TEST_F(MissingHeader, MovesTheTimeByOneUnitOfTheStream) {
     openStream(stream, {joined(frames(2)), noise(300), noise(200)});
     // 30 s / 3000000 is a unit of 10 us.
     EXPECT_EQ(timesOf(readAll(0)),
-              (std::vector<int64_t>{kFrameUs, 2 * kFrameUs, 2 * kFrameUs + 10, 2 * kFrameUs + 20}));
+              (std::vector<int64_t>{kMp3FrameUs, 2 * kMp3FrameUs, 2 * kMp3FrameUs + 10,
+                                    2 * kMp3FrameUs + 20}));
 }
 
 TEST_F(MissingHeader, IsNeverBeforeItsChunk) {
     openStream(mp3Bytes(8000), {joined(frames(2)), noise(300), frame(3)});
-    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{kFrameUs, 2 * kFrameUs, 104250, 141750}));
+    EXPECT_EQ(timesOf(readAll(0)),
+              (std::vector<int64_t>{kMp3FrameUs, 2 * kMp3FrameUs, 104250, 141750}));
 }
 
 // A microsecond product that does not fit 32 bits wraps: 5000000000 - 4294967296 = 705032704.
@@ -165,8 +167,8 @@ TEST_F(MissingHeader, CountsItsUnitIn32Bits) {
     std::get<WaveFormat>(stream.format).avgBytesPerSec = 16000;
     openStream(stream, {joined(frames(2)), noise(300), frame(3)});
     // The chunk time (834 bytes) is 4170; the unit is 705032704 / 1000000000: 0.
-    EXPECT_EQ(timesOf(readAll(0)),
-              (std::vector<int64_t>{kFrameUs, 2 * kFrameUs, 2 * kFrameUs, 3 * kFrameUs}));
+    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{kMp3FrameUs, 2 * kMp3FrameUs,
+                                                         2 * kMp3FrameUs, 3 * kMp3FrameUs}));
 }
 
 }  // namespace

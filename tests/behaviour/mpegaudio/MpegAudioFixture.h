@@ -14,7 +14,7 @@ namespace avitest {
 constexpr uint32_t kHeader = 0xFFFB9000;
 constexpr uint32_t kPaddingBit = 0x200;
 constexpr size_t kFrameSize = 417;
-constexpr int64_t kFrameUs = 26062;  // 417 bytes at 128 kbit/s, truncated
+constexpr int64_t kMp3FrameUs = 26062;  // 417 bytes at 128 kbit/s, truncated
 
 // The four bytes of a header.
 Bytes headerBytes(uint32_t header);

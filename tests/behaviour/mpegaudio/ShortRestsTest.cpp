@@ -117,8 +117,8 @@ TEST_F(ShortRests, PutTogetherButStillBelowAHeaderComeAsTheyAre) {
 TEST_F(ShortRests, PutTogetherButStillBelowAHeaderDoNotMoveTheTime) {
     // Twice the usual byte rate, so that the running time is ahead of the chunks'.
     openStream(mp3Bytes(32000), {joined(frames(2)), noise(1, 1), noise(2, 2), frame(3)});
-    EXPECT_EQ(timesOf(readAll(0)),
-              (std::vector<int64_t>{kFrameUs, 2 * kFrameUs, 2 * kFrameUs, 3 * kFrameUs}));
+    EXPECT_EQ(timesOf(readAll(0)), (std::vector<int64_t>{kMp3FrameUs, 2 * kMp3FrameUs,
+                                                         2 * kMp3FrameUs, 3 * kMp3FrameUs}));
 }
 
 TEST_F(ShortRests, OfTheLastChunkAloneEndTheStream) {

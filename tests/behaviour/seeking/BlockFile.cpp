@@ -2,8 +2,6 @@
 
 #include "tests/behaviour/seeking/BlockFile.h"
 
-#include "tests/behaviour/mpegaudio/MpegAudioFixture.h"
-
 namespace avitest {
 
 BlockFile blockFile(const std::vector<int>& blocks) {

@@ -8,12 +8,12 @@
 #include <map>
 #include <vector>
 
+#include "tests/behaviour/mpegaudio/MpegAudioFixture.h"
 #include "tests/support/AviBuilder.h"
 
 namespace avitest {
 
 constexpr size_t kBlockBytes = 1152;
-constexpr int64_t kFrameUsOfMp3 = 26062;  // 417 bytes at 128 kbit/s, truncated
 
 struct BlockFile {
     AviFile avi;

@@ -115,7 +115,7 @@ TEST_F(BlockSeek, FrameTimeCountsFromTheSeekTime) {
     openChunks({2, 3, 1, 4});
     StartedTrack audio(track(0));
     const int64_t timeUs = inBlock(8);
-    EXPECT_EQ(seek(audio, kClosest, timeUs), (Landing{8, timeUs + kFrameUsOfMp3, std::nullopt}));
+    EXPECT_EQ(seek(audio, kClosest, timeUs), (Landing{8, timeUs + kMp3FrameUs, std::nullopt}));
 }
 
 TEST_F(BlockSeek, LogsItsBlocks) {

@@ -22,11 +22,11 @@ class FailedSeek : public MpegAudioTest {
 TEST_F(FailedSeek, SetsTheRunningTimeOfFrames) {
     openStream(mp3Bytes(), frames(5));
     StartedTrack audio(track(0));
-    EXPECT_EQ(audio.sample().timeUs, kFrameUs);
+    EXPECT_EQ(audio.sample().timeUs, kMp3FrameUs);
     expectEnd(audio);
     const Sample next = audio.sample();
     EXPECT_EQ(next.bytes, frame(1));
-    EXPECT_EQ(next.timeUs, kBeyondUs + kFrameUs);
+    EXPECT_EQ(next.timeUs, kBeyondUs + kMp3FrameUs);
 }
 
 TEST_F(FailedSeek, DropsTheRestOfTheChunkAtHand) {

@@ -203,7 +203,7 @@ TEST_F(FollowingKinds, AudioInBlocksFollows) {
     EXPECT_EQ(chunkAt(0, kPrevious, 700000), 10);
     StartedTrack audio(track(1));
     // 400 ms are in block 15, 700 ms in block 26.
-    EXPECT_EQ(seek(audio, kPrevious, 700000), (Landing{15, 400000 + kFrameUsOfMp3, std::nullopt}));
+    EXPECT_EQ(seek(audio, kPrevious, 700000), (Landing{15, 400000 + kMp3FrameUs, std::nullopt}));
     EXPECT_EQ(chunkAt(audio, kPrevious, 700000), 26);
 }
 

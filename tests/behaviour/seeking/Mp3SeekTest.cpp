@@ -33,22 +33,22 @@ TEST_F(Mp3Seek, BytesCountTheJunk) {
     openBehindJunk();
     // The chunks end at 6250, 32312, 58375, ... us.
     for (uint32_t mode = 0; mode < 8; ++mode) {
-        EXPECT_EQ(timeOfFrame(0, 32311, mode), 32311 + kFrameUsOfMp3);
-        EXPECT_EQ(timeOfFrame(1, 32312, mode), 32312 + kFrameUsOfMp3);
-        EXPECT_EQ(timeOfFrame(4, 130000, mode), 130000 + kFrameUsOfMp3);
+        EXPECT_EQ(timeOfFrame(0, 32311, mode), 32311 + kMp3FrameUs);
+        EXPECT_EQ(timeOfFrame(1, 32312, mode), 32312 + kMp3FrameUs);
+        EXPECT_EQ(timeOfFrame(4, 130000, mode), 130000 + kMp3FrameUs);
     }
 }
 
 TEST_F(Mp3Seek, ATimeInTheJunkIsTheFirstFrame) {
     openBehindJunk();
-    EXPECT_EQ(timeOfFrame(0, 0), kFrameUsOfMp3);
-    EXPECT_EQ(timeOfFrame(0, -1), kFrameUsOfMp3);
-    EXPECT_EQ(timeOfFrame(0, 6249), 6249 + kFrameUsOfMp3);
+    EXPECT_EQ(timeOfFrame(0, 0), kMp3FrameUs);
+    EXPECT_EQ(timeOfFrame(0, -1), kMp3FrameUs);
+    EXPECT_EQ(timeOfFrame(0, 6249), 6249 + kMp3FrameUs);
 }
 
 TEST_F(Mp3Seek, BeyondTheEnd) {
     openBehindJunk();
-    EXPECT_EQ(timeOfFrame(4, 136561), 136561 + kFrameUsOfMp3);  // of 2185 bytes
+    EXPECT_EQ(timeOfFrame(4, 136561), 136561 + kMp3FrameUs);  // of 2185 bytes
     for (const int64_t timeUs : {int64_t{136562}, int64_t{1} << 31, INT64_MAX})
         EXPECT_TRUE(readFrom(0, {android::SEEK, timeUs}).empty());
 }
@@ -60,7 +60,7 @@ TEST_F(Mp3Seek, ChunksShareTheDuration) {
     constexpr int64_t kChunkUs = 26122;
     for (uint32_t i = 0; i < 5; ++i) {
         const int64_t timeUs = i * kChunkUs + 5000;
-        EXPECT_EQ(timeOfFrame(i, timeUs), timeUs + kFrameUsOfMp3);
+        EXPECT_EQ(timeOfFrame(i, timeUs), timeUs + kMp3FrameUs);
     }
     EXPECT_TRUE(readFrom(0, {android::SEEK, 5 * kChunkUs}).empty());
 }

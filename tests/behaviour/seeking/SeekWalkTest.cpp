@@ -234,7 +234,7 @@ TEST_F(SeekWalk, AudioInBlocks) {
         // Junk is never read: a place in it is taken for one in the chunk behind.
         const int landed = block < kJunkBlocks ? block + kJunkBlocks : block;
         const int64_t chunkUs = durationUs * (chunkOf[static_cast<size_t>(landed)] - 1) / chunks;
-        return {landed, std::max(chunkUs, timeUs + kFrameUsOfMp3), std::nullopt};
+        return {landed, std::max(chunkUs, timeUs + kMp3FrameUs), std::nullopt};
     });
 }
 

@@ -19,6 +19,8 @@ namespace avitest {
 
 // The line that reports a dropped stream, always at error priority.
 LogLine dropped();
+// What is logged where video is not the first stream.
+constexpr char kPutFirst[] = "parseSTRF(): Put video track on the front.";
 
 // 16-bit stereo at 8000 Hz.
 Stream pcmStream();

@@ -13,8 +13,6 @@ using ::testing::Not;
 
 namespace {
 
-constexpr char kPutFirst[] = "parseSTRF(): Put video track on the front.";
-
 Stream ofCompression(ChunkId code) {
     return videoStream(code, 720, 576, 25);
 }

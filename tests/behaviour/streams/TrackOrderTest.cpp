@@ -13,8 +13,6 @@ using ::testing::Not;
 
 namespace {
 
-constexpr char kPutFirst[] = "parseSTRF(): Put video track on the front.";
-
 Stream ofType(Stream stream, ChunkId type) {
     stream.header.type = type;
     return stream;

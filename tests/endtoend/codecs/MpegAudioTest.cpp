@@ -24,7 +24,7 @@ struct MpegRecipe {
 
 const Arguments kLame = {"-c:a", "libmp3lame", "-write_xing", "0", "-id3v2_version", "0"};
 
-std::vector<MpegRecipe> recipes() {
+std::vector<MpegRecipe> mpegRecipes() {
     return {
         {"Cbr128", "mp3", 2, 44100, kLame + Arguments{"-b:a", "128k"}, "audio/mpeg", 16000},
         {"Cbr320", "mp3", 2, 48000, kLame + Arguments{"-b:a", "320k"}, "audio/mpeg", 40000},
@@ -72,7 +72,7 @@ Bytes packed(const MpegRecipe& recipe, size_t size) {
 class MpegAudio : public CodecsTest {};
 
 TEST_F(MpegAudio, FormatIsFfmpegs) {
-    for (const MpegRecipe& recipe : recipes()) {
+    for (const MpegRecipe& recipe : mpegRecipes()) {
         SCOPED_TRACE(recipe.name);
         openPath(framesInAvi(recipe));
         expectSound(recipe.mime, knownStream(streamOf(recipe)));
@@ -80,7 +80,7 @@ TEST_F(MpegAudio, FormatIsFfmpegs) {
 }
 
 TEST_F(MpegAudio, FramesOfFfmpegsChunksAreFfmpegs) {
-    for (const MpegRecipe& recipe : recipes()) {
+    for (const MpegRecipe& recipe : mpegRecipes()) {
         SCOPED_TRACE(recipe.name);
         const std::string path = framesInAvi(recipe);
         openPath(path);
@@ -89,7 +89,7 @@ TEST_F(MpegAudio, FramesOfFfmpegsChunksAreFfmpegs) {
 }
 
 TEST_F(MpegAudio, FramesOfAnyChunksAreFfmpegs) {
-    for (const MpegRecipe& recipe : recipes()) {
+    for (const MpegRecipe& recipe : mpegRecipes()) {
         const std::vector<KnownFrame> expected = knownFrames(streamOf(recipe));
         ASSERT_GT(expected.size(), 10u);
         for (const size_t size : {2200u, 2304u, 3001u, 4096u, 1000000u}) {
@@ -101,7 +101,7 @@ TEST_F(MpegAudio, FramesOfAnyChunksAreFfmpegs) {
 }
 
 TEST_F(MpegAudio, TimesOfAConstantBitRateFollowTheFrames) {
-    const MpegRecipe recipe = recipes()[0];
+    const MpegRecipe recipe = mpegRecipes()[0];
     openFile(packed(recipe, 4096));
     const std::vector<Sample> samples = readAll(0);
     ASSERT_GT(samples.size(), 10u);

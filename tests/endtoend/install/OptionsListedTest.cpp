@@ -32,8 +32,6 @@ std::string textOf(const std::string& file) {
     return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
-}  // namespace
-
 class OptionsListed : public ::testing::TestWithParam<Paper> {
   protected:
     Names listed() const { return matchesIn(textOf(GetParam().file), GetParam().expression); }
@@ -67,4 +65,5 @@ TEST(ToolHelp, ItsPropertiesAreInEveryPaper) {
     }
 }
 
+}  // namespace
 }  // namespace avitest

@@ -12,8 +12,8 @@ namespace android {
 namespace {
 
 // ISO/IEC 14496-3, table 1.18.
-constexpr int32_t kRates[] = {96000, 88200, 64000, 48000, 44100, 32000,
-                              24000, 22050, 16000, 12000, 11025, 8000};
+constexpr int32_t kAacRates[] = {96000, 88200, 64000, 48000, 44100, 32000,
+                                 24000, 22050, 16000, 12000, 11025, 8000};
 
 using Fields = std::tuple<uint32_t, uint32_t, uint32_t>;
 
@@ -104,8 +104,8 @@ TEST(AudioSpecificConfig, ChannelsAboveFifteenLoseTheirUpperBits) {
 
 TEST(AacRate, EveryIndexHasItsRateAndBack) {
     for (uint32_t index = 0; index < 12; ++index) {
-        EXPECT_EQ(aacRate(index), kRates[index]);
-        EXPECT_EQ(aacFreqIndex(static_cast<uint32_t>(kRates[index])), index);
+        EXPECT_EQ(aacRate(index), kAacRates[index]);
+        EXPECT_EQ(aacFreqIndex(static_cast<uint32_t>(kAacRates[index])), index);
     }
 }
 

@@ -10,15 +10,12 @@
 #include <gtest/gtest.h>
 
 #include "tests/unit/avi/ExactBytes.h"
+#include "tests/unit/avi/codec/UnitBytes.h"
 
 namespace android {
 namespace {
 
 using Bytes = std::vector<uint8_t>;
-
-Bytes bytesOf(const sp<ABuffer>& buffer) {
-    return {buffer->data(), buffer->data() + buffer->size()};
-}
 
 size_t findSps(const Bytes& data) {
     const ExactBytes exact(data);

@@ -12,6 +12,7 @@
 #include "avi/support/Switches.h"
 #include "tests/support/ByteWriter.h"
 #include "tests/support/LogCapture.h"
+#include "tests/unit/avi/codec/UnitBytes.h"
 
 namespace android {
 
@@ -29,7 +30,7 @@ auto exactly(const Bytes& data, Function function) {
     return function(copy.get(), data.size());
 }
 
-status_t parse(const Bytes& data) {
+status_t parseRecord(const Bytes& data) {
     return exactly(data, parseAVCCodecSpecificData);
 }
 
@@ -48,10 +49,6 @@ Bytes record(const std::vector<size_t>& sequenceSets, const std::vector<size_t>&
     out.push_back(static_cast<uint8_t>(pictureSets.size()));
     appendSets(&out, pictureSets);
     return out;
-}
-
-Bytes bytesOf(const sp<ABuffer>& buffer) {
-    return {buffer->data(), buffer->data() + buffer->size()};
 }
 
 sp<ABuffer> bufferOf(const Bytes& data) {
@@ -80,14 +77,14 @@ class AvcRecord : public ::testing::Test {
 
 TEST_F(AvcRecord, GoodOneIsTaken) {
     for (const Bytes& data : mGood)
-        EXPECT_EQ(OK, parse(data)) << testing::PrintToString(data);
+        EXPECT_EQ(OK, parseRecord(data)) << testing::PrintToString(data);
     EXPECT_TRUE(mLog.lines().empty());
 }
 
 TEST_F(AvcRecord, BytesBehindItDoNotMatter) {
     for (Bytes data : mGood) {
         data.insert(data.end(), {0xFD, 0xF8, 0xF8, 0});
-        EXPECT_EQ(OK, parse(data)) << testing::PrintToString(data);
+        EXPECT_EQ(OK, parseRecord(data)) << testing::PrintToString(data);
     }
 }
 
@@ -95,7 +92,7 @@ TEST_F(AvcRecord, EveryCutFails) {
     for (const Bytes& data : mGood) {
         for (size_t size = 0; size < data.size(); ++size) {
             const Bytes cut(data.begin(), data.begin() + static_cast<ptrdiff_t>(size));
-            ASSERT_EQ(ERROR_MALFORMED, parse(cut)) << testing::PrintToString(cut);
+            ASSERT_EQ(ERROR_MALFORMED, parseRecord(cut)) << testing::PrintToString(cut);
         }
     }
 }
@@ -104,7 +101,7 @@ TEST_F(AvcRecord, OtherVersionFails) {
     for (unsigned version = 0; version < 256; ++version) {
         Bytes data = record({4}, {2});
         data[0] = static_cast<uint8_t>(version);
-        EXPECT_EQ(version == 1, parse(data) == OK) << version;
+        EXPECT_EQ(version == 1, parseRecord(data) == OK) << version;
     }
 }
 
@@ -112,37 +109,37 @@ TEST_F(AvcRecord, UpperBitsOfTheSetCountAreReserved) {
     for (const uint8_t reserved : {0x00, 0x20, 0x80, 0xE0}) {
         Bytes data = record({4}, {2});
         data[5] = static_cast<uint8_t>(reserved | 1);
-        EXPECT_EQ(OK, parse(data)) << int{reserved};
+        EXPECT_EQ(OK, parseRecord(data)) << int{reserved};
     }
 }
 
 TEST_F(AvcRecord, LengthBeyondItsEndFails) {
     Bytes data = record({4}, {2});
     data[6] = 0xFF;  // the upper byte of the sequence set's length
-    EXPECT_EQ(ERROR_MALFORMED, parse(data));
+    EXPECT_EQ(ERROR_MALFORMED, parseRecord(data));
     data = record({4}, {2});
     data[data.size() - 3] = 3;  // the lower byte of the picture set's length
-    EXPECT_EQ(ERROR_MALFORMED, parse(data));
+    EXPECT_EQ(ERROR_MALFORMED, parseRecord(data));
 }
 
 TEST_F(AvcRecord, MoreSetsThanThereAreFail) {
     Bytes data = record({4}, {2});
     data[12] = 2;  // picture sets
-    EXPECT_EQ(ERROR_MALFORMED, parse(data));
+    EXPECT_EQ(ERROR_MALFORMED, parseRecord(data));
     data = record({4}, {});
     data[5] = 0xE2;
-    EXPECT_EQ(ERROR_MALFORMED, parse(data));
+    EXPECT_EQ(ERROR_MALFORMED, parseRecord(data));
 }
 
 TEST_F(AvcRecord, FailureIsReportedOnce) {
-    EXPECT_EQ(ERROR_MALFORMED, parse(Bytes(6)));
+    EXPECT_EQ(ERROR_MALFORMED, parseRecord(Bytes(6)));
     EXPECT_EQ(1u, mLog.lines().size());
     EXPECT_THAT(mLog, Logged(ANDROID_LOG_ERROR, "parseAVCCodecSpecificData(): error -3EF @line"));
 }
 
 TEST_F(AvcRecord, IsDescribedOnRequest) {
     gSwitches.extractLog = true;
-    EXPECT_EQ(OK, parse(record({4, 5}, {1, 2, 3})));
+    EXPECT_EQ(OK, parseRecord(record({4, 5}, {1, 2, 3})));
     gSwitches.extractLog = false;
     EXPECT_THAT(mLog, Logged(ANDROID_LOG_VERBOSE,
                              "parseAVCCodecSpecificData(): configurationVersion 1 profile 100 "

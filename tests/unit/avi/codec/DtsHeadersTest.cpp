@@ -34,7 +34,7 @@ Bytes core(uint32_t amode, uint32_t sfreq, uint32_t lfe) {
             static_cast<uint8_t>(0xF9 | lfe << 1)};
 }
 
-Format parse(const Bytes& data) {
+Format parseDts(const Bytes& data) {
     const ExactBytes exact(data);
     Format format = {77, 77};
     parseDtsCoreHeader(exact.data(), exact.size(), &format.first, &format.second);
@@ -53,7 +53,8 @@ TEST(DtsCoreHeader, EveryArrangementHasItsChannels) {
     for (uint32_t amode = 0; amode < 64; ++amode) {
         for (uint32_t lfe = 0; lfe < 4; ++lfe) {
             const uint32_t channels = (amode < 16 ? kChannels[amode] : 2) + (lfe != 0 ? 1 : 0);
-            EXPECT_EQ(parse(core(amode, 13, lfe)), Format(channels, 48000)) << amode << ", " << lfe;
+            EXPECT_EQ(parseDts(core(amode, 13, lfe)), Format(channels, 48000))
+                << amode << ", " << lfe;
         }
     }
 }
@@ -64,16 +65,16 @@ TEST(DtsCoreHeader, EverySamplingRateIsRead) {
                                11025,   22050, 44100,   kNoRate, kNoRate, 12000,
                                24000,   48000, kNoRate, kNoRate};
     for (uint32_t sfreq = 0; sfreq < 16; ++sfreq)
-        EXPECT_EQ(parse(core(2, sfreq, 0)), Format(2, kRates[sfreq])) << sfreq;
+        EXPECT_EQ(parseDts(core(2, sfreq, 0)), Format(2, kRates[sfreq])) << sfreq;
 }
 
 TEST(DtsCoreHeader, BytesBehindTheEndAreZeros) {
     const Bytes whole = core(0x3F, 13, 3);
     for (size_t size = 0; size <= whole.size(); ++size) {
         Bytes padded(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size));
-        const Format cut = parse(padded);
+        const Format cut = parseDts(padded);
         padded.resize(whole.size(), 0);
-        EXPECT_EQ(cut, parse(padded)) << size;
+        EXPECT_EQ(cut, parseDts(padded)) << size;
     }
 }
 

@@ -20,6 +20,7 @@
 #include <media/stagefright/foundation/avc_utils.h>
 
 #include "tests/unit/avi/ExactBytes.h"
+#include "tests/unit/avi/codec/UnitBytes.h"
 #include "tests/unit/platform/SpsBuilder.h"
 
 namespace android {
@@ -167,11 +168,6 @@ Bytes randomSet(Random* random) {
     for (uint32_t changes = random->below(3); changes > 0 && nal.size() > 1; --changes)
         spoilBytes(random, &nal);
     return nal;
-}
-
-bool isSane(const Bytes& nal) {
-    const ExactBytes exact(nal);
-    return isSaneSequenceParameterSet(exact.data(), exact.size());
 }
 
 class RandomParameterSets : public testing::Test {

@@ -11,17 +11,13 @@
 #include <media/stagefright/foundation/avc_utils.h>
 
 #include "tests/unit/avi/ExactBytes.h"
+#include "tests/unit/avi/codec/UnitBytes.h"
 #include "tests/unit/platform/SpsBuilder.h"
 
 namespace android {
 namespace {
 
 using Bytes = std::vector<uint8_t>;
-
-bool isSane(const Bytes& nal) {
-    const ExactBytes exact(nal);
-    return isSaneSequenceParameterSet(exact.data(), exact.size());
-}
 
 // What is sane must not end the process in the platform's parser.
 bool isSaneAndParsed(const Bytes& nal) {

@@ -24,23 +24,23 @@ TEST(BigEndianWriter, BufferIsZeroAtFirst) {
 
 TEST(BigEndianWriter, ValuesFollowEachOtherMostSignificantByteFirst) {
     ByteWriter out(8);
-    const uint8_t kBytes[] = {7, 8};
+    const uint8_t kGiven[] = {7, 8};
     out.u8(0x112);
     out.u16(0x3456);
     out.zeros(1);
-    out.bytes(kBytes, 2);
+    out.bytes(kGiven, 2);
     out.u16(0x1FFFE);
     EXPECT_EQ(written(out), (std::vector<uint8_t>{0x12, 0x34, 0x56, 0, 7, 8, 0xFF, 0xFE}));
 }
 
 TEST(BigEndianWriter, WhatDoesNotFitIsLeftOut) {
     ByteWriter out(3);
-    const uint8_t kBytes[] = {1, 2, 3, 4, 5};
-    out.bytes(kBytes, 5);
+    const uint8_t kGiven[] = {1, 2, 3, 4, 5};
+    out.bytes(kGiven, 5);
     out.u8(9);
     out.u16(9);
     out.zeros(100);
-    out.bytes(kBytes, 5);
+    out.bytes(kGiven, 5);
     EXPECT_EQ(written(out), (std::vector<uint8_t>{1, 2, 3}));
 }
 
