@@ -20,9 +20,29 @@ endif()
 # that nobody runs: whoever reuses it has to be built with the same flags.
 add_executable(avi_test_header ${CMAKE_CURRENT_LIST_DIR}/PrecompiledTestHeader.cpp)
 target_link_libraries(avi_test_header PRIVATE gmock gtest_main)
-target_compile_options(avi_test_header PRIVATE -O1)
+target_compile_options(avi_test_header PRIVATE -Og)
 target_precompile_headers(avi_test_header PRIVATE
     <gmock/gmock.h> <gtest/gtest.h> <cstdint> <functional> <memory> <optional> <string> <vector>)
+
+# avi_build_quickly(TARGET): what is tested is optimised, the tests themselves need to be built
+# quickly. Several of their files are one compilation: names of file scope are unique in a folder.
+function(avi_build_quickly target)
+    target_compile_options(${target} PRIVATE -Og)
+    target_precompile_headers(${target} REUSE_FROM avi_test_header)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
+endfunction()
+
+# avi_add_test_library(NAME SOURCES... [LIBS...]): what several test programs share.
+function(avi_add_test_library name)
+    cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
+    add_library(${name} STATIC ${arg_SOURCES})
+    target_link_libraries(${name} PUBLIC ${arg_LIBS} gmock gtest)
+    target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR})
+    # As programs are compiled: the precompiled header is that of one.
+    set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
+    target_compile_options(${name} PRIVATE -fPIE)
+    avi_build_quickly(${name})
+endfunction()
 
 # Starting a program costs more than most cases where it is instrumented or emulated.
 if(AVI_SANITIZE OR CMAKE_CROSSCOMPILING)
@@ -37,10 +57,8 @@ function(avi_add_test name)
     cmake_parse_arguments(arg "SPAWNS" "" "SOURCES;LIBS" ${ARGN})
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE ${arg_LIBS} gmock gtest_main)
-    # What is tested is optimised, the tests themselves need to be built quickly.
-    target_compile_options(${name} PRIVATE -O1)
-    target_precompile_headers(${name} REUSE_FROM avi_test_header)
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+    avi_build_quickly(${name})
     if(arg_SPAWNS AND AVI_SPAWNING_EMULATOR)
         set_target_properties(${name} PROPERTIES
             CROSSCOMPILING_EMULATOR "${AVI_SPAWNING_EMULATOR}")
