@@ -12,9 +12,21 @@ Fault Fault::shortRead(size_t maxBytes) {
     return fault;
 }
 
+Fault Fault::shortBy(size_t bytes) {
+    Fault fault;
+    fault.missingBytes = bytes;
+    return fault;
+}
+
 Fault Fault::error(ssize_t code) {
     Fault fault;
     fault.code = code;
+    return fault;
+}
+
+Fault Fault::garbled(uint8_t mask) {
+    Fault fault;
+    fault.mask = mask;
     return fault;
 }
 
@@ -110,17 +122,27 @@ FaultySource::Verdict FaultySource::judge(off64_t offset, size_t size) {
         if (!fault.strikes(call, offset, size)) continue;
         if (!verdict.code) verdict.code = fault.code;
         if (fault.maxBytes) verdict.maxBytes = std::min(verdict.maxBytes, *fault.maxBytes);
+        verdict.missingBytes += fault.missingBytes;
+        verdict.mask ^= fault.mask;
         verdict.delay += fault.delay;
     }
     return verdict;
 }
 
+ssize_t FaultySource::deliver(const Verdict& verdict, off64_t offset, void* data, size_t size) {
+    if (verdict.code) return *verdict.code;
+    const ssize_t read = mSource.readAt(offset, data, std::min(size, verdict.maxBytes));
+    if (read <= 0) return read;
+    auto* bytes = static_cast<uint8_t*>(data);
+    const auto count = static_cast<size_t>(read);
+    std::for_each(bytes, bytes + count, [&verdict](uint8_t& byte) { byte ^= verdict.mask; });
+    return static_cast<ssize_t>(count - std::min(count, verdict.missingBytes));
+}
+
 ssize_t FaultySource::readAt(off64_t offset, void* data, size_t size) {
     const Verdict verdict = judge(offset, size);
     if (verdict.delay.count() > 0) std::this_thread::sleep_for(verdict.delay);
-    const ssize_t result = verdict.code
-                               ? *verdict.code
-                               : mSource.readAt(offset, data, std::min(size, verdict.maxBytes));
+    const ssize_t result = deliver(verdict, offset, data, size);
 
     std::lock_guard<std::mutex> lock(mLock);
     mCalls.push_back({offset, size, result});

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// A data source that misbehaves on purpose: it wraps another one, injects short reads, errors and
-// delays at chosen calls or offsets, and keeps a record of every call for tests to look at.
+// A data source that misbehaves on purpose: it wraps another one, injects short reads, errors,
+// wrong bytes and delays at chosen calls or offsets, and keeps a record of every call for tests to
+// look at.
 // Borrows the wrapped source, which must outlive it.
 // Threads: every method may be called from several threads at once; calls are numbered in the order
 // in which they come in, and a delayed call does not hold the others up.
@@ -26,8 +27,12 @@ namespace android::service {
 struct Fault {
     /** Delivers at most `maxBytes` bytes; 0 looks like the end of the source. */
     static Fault shortRead(size_t maxBytes);
+    /** Delivers `bytes` less than the source has for the read. */
+    static Fault shortBy(size_t bytes);
     /** Returns `code`, a negative number, without reading. */
     static Fault error(ssize_t code);
+    /** Delivers as many bytes as the source has, each of them inverted where `mask` has a bit. */
+    static Fault garbled(uint8_t mask);
     /** Waits before reading; may be combined with another fault on the same call. */
     static Fault delayed(std::chrono::microseconds delay);
 
@@ -46,7 +51,9 @@ struct Fault {
     off64_t beginOffset = std::numeric_limits<off64_t>::min();
     off64_t endOffset = std::numeric_limits<off64_t>::max();  // exclusive
     std::optional<size_t> maxBytes;
+    size_t missingBytes = 0;
     std::optional<ssize_t> code;
+    uint8_t mask = 0;
     std::chrono::microseconds delay{0};
 };
 
@@ -62,8 +69,8 @@ class FaultySource : public DataSource {
     /** `source` must outlive this object. */
     explicit FaultySource(DataSource& source);
 
-    /** Adds a fault. Of several that strike one read, the first error and the smallest size win and
-     *  the delays add up. */
+    /** Adds a fault. Of several that strike one read, the first error and the smallest size win,
+     *  missing bytes and delays add up, masks are combined by XOR. */
     void inject(const Fault& fault);
     /** Removes every fault, also the one set by failGetSize. */
     void clearFaults();
@@ -91,9 +98,13 @@ class FaultySource : public DataSource {
     struct Verdict {
         std::optional<ssize_t> code;
         size_t maxBytes = std::numeric_limits<size_t>::max();
+        size_t missingBytes = 0;
+        uint8_t mask = 0;
         std::chrono::microseconds delay{0};
     };
     Verdict judge(off64_t offset, size_t size);
+    // What the verdict leaves of a read.
+    ssize_t deliver(const Verdict& verdict, off64_t offset, void* data, size_t size);
 
     DataSource& mSource;
     mutable std::mutex mLock;  // guards everything below

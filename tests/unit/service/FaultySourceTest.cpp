@@ -61,6 +61,21 @@ TEST_F(FaultySourceTest, ShortReadOfNothingLooksLikeTheEnd) {
     EXPECT_EQ(0, read(0, 10));
 }
 
+TEST_F(FaultySourceTest, ReadShortByAByteLacksTheLastThatTheSourceHas) {
+    mSource.inject(Fault::shortBy(1));
+    EXPECT_EQ(9, read(0, 10));
+    EXPECT_EQ(4, read(95, 10));
+    EXPECT_EQ(0, read(0, 1));
+    EXPECT_EQ(0, read(100, 1));
+}
+
+TEST_F(FaultySourceTest, GarbledReadInvertsTheBitsOfTheMask) {
+    mSource.inject(Fault::garbled(1));
+    EXPECT_EQ(5, read(95, 10));
+    EXPECT_EQ("yyyyy?????", std::string(mTarget.begin(), mTarget.end()));
+    EXPECT_EQ(0, read(100, 10));
+}
+
 TEST_F(FaultySourceTest, ErrorReadsNothing) {
     mSource.inject(Fault::error(-EIO));
     EXPECT_EQ(-EIO, read(0, 10));
