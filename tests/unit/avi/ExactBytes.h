@@ -4,7 +4,6 @@
 // write outside.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -19,7 +18,8 @@ class ExactBytes {
         : ExactBytes(std::vector<uint8_t>(bytes.begin(), bytes.end())) {}
     explicit ExactBytes(const std::vector<uint8_t>& bytes)
         : mData(new uint8_t[bytes.size()]), mSize(bytes.size()) {
-        std::copy(bytes.begin(), bytes.end(), mData.get());
+        for (size_t i = 0; i < mSize; ++i)  // g++ 12 warns of std::copy into no bytes
+            mData[i] = bytes[i];
     }
 
     uint8_t* data() { return mData.get(); }
