@@ -83,6 +83,10 @@ media_status_t RecordingGroup::acquire(CMediaBuffer** out, bool nonBlocking, siz
     *out = nullptr;
     if (answer->second == Answer::kNothing) return AMEDIA_OK;
     if (answer->second == Answer::kNoMemory) return kOutOfMemory;
+    if (answer->second == Answer::kTooSmall) {
+        mSmall.addBuffer(1);
+        return mSmall.plain()->acquire_buffer(mSmall.plain()->handle, out, nonBlocking, 0);
+    }
     if (answer->second == Answer::kFailureWithBuffer) {
         group->acquire_buffer(group->handle, out, nonBlocking, requestedSize);
     }

@@ -35,6 +35,7 @@ class RecordingGroup {
         kNoMemory,           // the same with a status that is not the track's
         kFailureWithBuffer,  // a failure, and a buffer that has to be given back
         kNothing,            // success, but no buffer
+        kTooSmall,           // a buffer of one byte
     };
 
     // Makes buffers of `bufferSize` bytes (0: of the size that the track asks for) and `beyond`
@@ -48,7 +49,7 @@ class RecordingGroup {
 
     const std::vector<Init>& inits() const { return mInits; }
     size_t acquireCount() const { return mAcquireCount; }
-    size_t heldCount() const { return mGroup.heldCount(); }
+    size_t heldCount() const { return mGroup.heldCount() + mSmall.heldCount(); }
     // Whether the free buffers are still unwritten beyond the size that the track asked for.
     bool isUnwrittenBeyond();
     // The record to start a track with.
@@ -62,6 +63,7 @@ class RecordingGroup {
 
     android::CMediaBufferGroup mRecord{};
     android::service::BufferGroup mGroup;
+    android::service::BufferGroup mSmall;  // of buffers of one byte
     size_t mBufferSize = 0;
     size_t mBeyond = 0;
     std::vector<Init> mInits;
