@@ -29,6 +29,8 @@ std::atomic<int64_t> gHighest{0};
 std::atomic<int64_t> gHeldAtStart{0};
 std::atomic<size_t> gRefused{SIZE_MAX};
 std::atomic<size_t> gRefusals{0};
+std::atomic<size_t> gRefusedNumber{SIZE_MAX};
+std::atomic<size_t> gRequests{0};
 
 template <typename T>
 void raise(std::atomic<T>* to, T value) {
@@ -76,6 +78,14 @@ namespace {
 
 void startCounting() {}  // the functions below always count
 
+bool isRefused(size_t size) {
+    if (size == gRefused) {
+        ++gRefusals;
+        return true;
+    }
+    return gRequests++ == gRefusedNumber;
+}
+
 void* noted(void* memory, size_t requested) {
     if (memory != nullptr) noteAllocation(requested, malloc_usable_size(memory));
     return memory;
@@ -94,19 +104,17 @@ void* __libc_realloc(void* memory, size_t size);
 void __libc_free(void* memory);
 
 AVI_EXPORTED void* malloc(size_t size) noexcept {
-    if (size == gRefused) {
-        ++gRefusals;
-        return nullptr;
-    }
-    return noted(__libc_malloc(size), size);
+    return isRefused(size) ? nullptr : noted(__libc_malloc(size), size);
 }
 
 AVI_EXPORTED void* calloc(size_t count, size_t size) noexcept {
+    if (gRequests++ == gRefusedNumber) return nullptr;
     void* memory = __libc_calloc(count, size);
     return noted(memory, memory == nullptr ? 0 : count * size);
 }
 
 AVI_EXPORTED void* realloc(void* memory, size_t size) noexcept {
+    if (gRequests++ == gRefusedNumber) return nullptr;
     const size_t before = memory == nullptr ? 0 : malloc_usable_size(memory);
     void* moved = __libc_realloc(memory, size);
     if (moved != nullptr || size == 0) noteRelease(before);
@@ -158,6 +166,19 @@ bool NoMemoryFor::isPossible() {
 #else
     return true;
 #endif
+}
+
+NoMemoryOnce::NoMemoryOnce(size_t number) {
+    gRequests = 0;
+    gRefusedNumber = number;
+}
+
+NoMemoryOnce::~NoMemoryOnce() {
+    gRefusedNumber = SIZE_MAX;
+}
+
+size_t NoMemoryOnce::requests() const {
+    return gRequests;
 }
 
 }  // namespace avitest

@@ -37,4 +37,18 @@ class NoMemoryFor {
     static bool isPossible();
 };
 
+// As long as an object of this class lives one request for memory fails: the one of this number,
+// counted from 0, of those that may fail. These are malloc, calloc and realloc of any thread, and
+// what is built on them. One object at a time; possible where NoMemoryFor is.
+class NoMemoryOnce {
+  public:
+    explicit NoMemoryOnce(size_t number);
+    NoMemoryOnce(const NoMemoryOnce&) = delete;
+    NoMemoryOnce& operator=(const NoMemoryOnce&) = delete;
+    ~NoMemoryOnce();
+
+    // How many requests there were so far, the failed one included.
+    size_t requests() const;
+};
+
 }  // namespace avitest
