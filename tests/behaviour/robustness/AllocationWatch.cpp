@@ -147,6 +147,10 @@ size_t AllocationWatch::peak() const {
     return static_cast<size_t>(std::max<int64_t>(0, gHighest - gHeldAtStart));
 }
 
+int64_t AllocationWatch::held() const {
+    return gHeld - gHeldAtStart;
+}
+
 NoMemoryFor::NoMemoryFor(size_t size) {
     gRefusals = 0;
     gRefused = size;

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 namespace avitest {
 
@@ -20,6 +21,8 @@ class AllocationWatch {
     size_t largest() const;
     // The most memory held at one time beyond what was held at the beginning, in bytes.
     size_t peak() const;
+    // What is held now beyond what was held at the beginning, in bytes; negative when it is less.
+    int64_t held() const;
 };
 
 // As long as an object of this class lives there is no memory for requests of exactly `size` bytes:
