@@ -7,12 +7,14 @@ set -euo pipefail
 
 usage() {
     cat <<'TEXT'
-usage: scripts/bootstrap.sh [--clang] [--cross] [--lint] [--all]
+usage: scripts/bootstrap.sh [--clang] [--cross] [--lint] [--coverage] [--all]
 
 Installs what building and testing the `release` and `coverage` presets needs, and with
   --clang   what the presets debug, asan, intsan, tsan and fuzz need as well
   --cross   what the preset aarch64 needs as well (adds the architecture arm64 to dpkg)
   --lint    what scripts/lint.sh needs as well
+  --coverage
+            what scripts/coverage.sh needs as well
   --all     all of these
 TEXT
 }
@@ -35,6 +37,8 @@ readonly cross_packages=(
     zlib1g-dev:arm64 libfmt-dev:arm64)
 
 readonly lint_packages=(clang-format-14 clang-tidy-14 shellcheck zsh fish mandoc git)
+
+readonly coverage_packages=(gcovr)
 
 die() {
     echo "bootstrap: $*" >&2
@@ -98,7 +102,11 @@ main() {
             --clang) packages+=("${clang_packages[@]}") ;;
             --cross) packages+=("${cross_packages[@]}") ;;
             --lint) packages+=("${lint_packages[@]}") ;;
-            --all) packages+=("${clang_packages[@]}" "${cross_packages[@]}" "${lint_packages[@]}") ;;
+            --coverage) packages+=("${coverage_packages[@]}") ;;
+            --all)
+                packages+=("${clang_packages[@]}" "${cross_packages[@]}" "${lint_packages[@]}"
+                    "${coverage_packages[@]}")
+                ;;
             -h | --help) usage && exit ;;
             *) usage >&2 && exit 2 ;;
         esac
