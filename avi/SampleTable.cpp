@@ -7,7 +7,8 @@ namespace android {
 
 namespace {
 
-constexpr size_t kMinRows = 64;
+// A file may have thousands of tracks with a sample each.
+constexpr size_t kMinRows = 16;
 
 // Flags that other sources of the track may be correcting: each is read as a single value.
 bool isSet(const int8_t* flag) {

@@ -16,8 +16,8 @@ namespace {
 constexpr size_t kTableFrames = 6000;
 
 // Rows that tables have room for: what they grow to is asked for in one piece.
-constexpr size_t kRows = 2458;
-constexpr size_t kFormerRows = 1639;
+constexpr size_t kRows = 3079;
+constexpr size_t kFormerRows = 2053;
 
 // Bytes that a row takes in each column.
 constexpr size_t kOffset = 8;
