@@ -2,6 +2,7 @@
 #include "SampleTable.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace android {
 
@@ -30,70 +31,64 @@ bool areClear(const int8_t* flags) {
 
 }  // namespace
 
-// Makes room for one more row in every column, or reports that there is none.
-bool SampleTable::hasRoom(bool keepsSyncFlags) {
-    const size_t rows = size();
-    if (rows < mSampleSizes.capacity()) return true;
-    const size_t more = std::max(kMinRows, rows + rows / 2);
-    return mSampleOffsets.setCapacity(more) >= 0 &&
-           (!keepsSyncFlags || mSampleSyncs.setCapacity(more) >= 0) &&
-           mSampleSizes.setCapacity(more) >= 0;  // the last: it tells what all have room for
-}
-
-bool SampleTable::add(const RuvoAVISample& sample, Sizes sizes, bool keepsSyncFlags) {
-    if (!hasRoom(keepsSyncFlags)) return false;
-    if (isEmpty()) mSizes = sizes;
-    uint32_t entry = sample.size;
-    if (mSizes == Sizes::kRunningTotals && !isEmpty()) {
-        entry = wrapAdd32(sizeEntry(size() - 1), sample.size);
+// Makes room for more rows in every column, or for none.
+bool SampleTable::grow(bool keepsSyncFlags) {
+    const size_t more = std::max(kMinRows, mRows + mRows / 2);
+    if (!mSampleOffsets.setCapacity(more) || !mSampleSizes.setCapacity(more)) return false;
+    if (keepsSyncFlags) {
+        if (!mSampleSyncs.setCapacity(more)) return false;
+        mSyncCapacity = more;
     }
-    mSampleOffsets.push_back(sample.offset);
-    mSampleSizes.push_back(static_cast<int32_t>(entry));
-    if (keepsSyncFlags) mSampleSyncs.push_back(static_cast<int8_t>(sample.isSyncSample));
+    mCapacity = more;
     return true;
 }
 
+void SampleTable::trim() {
+    // An array that cannot be made smaller stays as it is.
+    mSampleOffsets.setCapacity(mRows);
+    mSampleSizes.setCapacity(mRows);
+    mSampleSyncs.setCapacity(mSyncRows);
+    mCapacity = mRows;
+    mSyncCapacity = mSyncRows;
+}
+
 bool SampleTable::addBlockTotals(uint32_t blockSize) {
-    Vector<int32_t> totals;
-    if (totals.setCapacity(size()) < 0) return false;
+    PlainArray<int32_t> totals;
+    if (!totals.setCapacity(mRows)) return false;
     uint32_t blocks = 0;
-    for (size_t i = 0; i < size(); ++i) {
+    for (size_t i = 0; i < mRows; ++i) {
         const uint32_t bytes = chunkSize(i);
         blocks = wrapAdd32(blocks, bytes / blockSize + (bytes % blockSize != 0 ? 1 : 0));
-        totals.push_back(static_cast<int32_t>(blocks));
+        totals[i] = static_cast<int32_t>(blocks);
     }
-    mSampleBlockSizes = totals;
+    mSampleBlockSizes = std::move(totals);
+    mBlockRows = mRows;
     return true;
 }
 
 void SampleTable::makeRunningTotals() {
     if (mSizes == Sizes::kRunningTotals) return;
-    int32_t* entries = mSampleSizes.editArray();
-    for (size_t i = 1; i < size(); ++i) {
-        entries[i] = static_cast<int32_t>(wrapAdd32(sizeEntry(i - 1), sizeEntry(i)));
+    for (size_t i = 1; i < mRows; ++i) {
+        mSampleSizes[i] = wrapAdd32(sizeEntry(i - 1), sizeEntry(i));
     }
     mSizes = Sizes::kRunningTotals;
 }
 
 void SampleTable::clear() {
-    mSampleSyncs.clear();
-    mSampleSizes.clear();
-    mSampleOffsets.clear();
+    mRows = mSyncRows = 0;
+    trim();
     mIsFromOpenDml = false;
 }
 
 void SampleTable::correctSyncFlag(size_t i, bool isSync) {
-    // The flags have one owner: editing them in place moves nothing under a reader.
-    __atomic_store_n(&mSampleSyncs.editItemAt(i), isSync ? kConfirmedSync : int8_t{0},
-                     __ATOMIC_RELAXED);
+    __atomic_store_n(&mSampleSyncs[i], isSync ? kConfirmedSync : int8_t{0}, __ATOMIC_RELAXED);
 }
 
 size_t SampleTable::nextSync(size_t from) const {
-    const int8_t* flags = mSampleSyncs.array();
-    const size_t count = mSampleSyncs.size();
+    const int8_t* flags = mSampleSyncs.begin();
     size_t i = from;
-    while (i < count) {
-        if (isAligned(flags + i) && count - i >= kWord && areClear(flags + i)) {
+    while (i < mSyncRows) {
+        if (isAligned(flags + i) && mSyncRows - i >= kWord && areClear(flags + i)) {
             i += kWord;
         } else if (isSet(flags + i)) {
             return i;
@@ -105,8 +100,8 @@ size_t SampleTable::nextSync(size_t from) const {
 }
 
 size_t SampleTable::previousSync(size_t from) const {
-    const int8_t* flags = mSampleSyncs.array();
-    size_t end = std::min(from + 1, mSampleSyncs.size());
+    const int8_t* flags = mSampleSyncs.begin();
+    size_t end = std::min(from + 1, mSyncRows);
     while (end > 0) {
         if (isAligned(flags + end) && end >= kWord && areClear(flags + end - kWord)) {
             end -= kWord;

@@ -9,9 +9,9 @@
 
 #include <stddef.h>
 #include <stdint.h>
-#include <utils/Vector.h>
 
 #include "support/Arithmetic.h"
+#include "support/PlainArray.h"
 
 namespace android {
 
@@ -28,13 +28,26 @@ class SampleTable {
     // (modulo 2^32), so that a byte position is found by bisection.
     enum class Sizes { kOfChunks, kRunningTotals };
 
-    size_t size() const { return mSampleSizes.size(); }
-    bool isEmpty() const { return mSampleSizes.isEmpty(); }
+    size_t size() const { return mRows; }
+    bool isEmpty() const { return mRows == 0; }
 
     // Appends a row, with its key flag where the track keeps them. `sizes` counts for the first row
     // alone, later ones follow it. False, and nothing changed, when there is no memory for a whole
     // row.
-    bool add(const RuvoAVISample& sample, Sizes sizes, bool keepsSyncFlags);
+    bool add(const RuvoAVISample& sample, Sizes sizes, bool keepsSyncFlags) {
+        if (!hasRoom(keepsSyncFlags) && !grow(keepsSyncFlags)) return false;
+        if (isEmpty()) mSizes = sizes;
+        const uint32_t before =
+            mSizes == Sizes::kRunningTotals && !isEmpty() ? sizeEntry(mRows - 1) : 0;
+        mSampleOffsets[mRows] = sample.offset;
+        mSampleSizes[mRows] = wrapAdd32(before, sample.size);
+        if (keepsSyncFlags) mSampleSyncs[mSyncRows++] = static_cast<int8_t>(sample.isSyncSample);
+        ++mRows;
+        return true;
+    }
+
+    // Gives back the memory that no row uses: for tables that are complete.
+    void trim();
 
     // Keeps for every row the audio blocks up to its end (modulo 2^32), a part of a block counting
     // as one. False, and nothing changed, when there is no memory for them. REQUIRES: blockSize >
@@ -72,8 +85,7 @@ class SampleTable {
 
     // Key flag of chunk i: 0, 1, or kConfirmedSync; 0 where the track keeps none.
     int8_t syncFlag(size_t i) const {
-        return i < mSampleSyncs.size() ? __atomic_load_n(&mSampleSyncs[i], __ATOMIC_RELAXED)
-                                       : int8_t{0};
+        return i < mSyncRows ? __atomic_load_n(&mSampleSyncs[i], __ATOMIC_RELAXED) : int8_t{0};
     }
 
     // The first entry from `from` on, or the last one up to it, that has a key flag; size() when
@@ -87,17 +99,25 @@ class SampleTable {
     // Corrects the key flag of chunk i by what its data says. Any thread. REQUIRES: flags are kept.
     void correctSyncFlag(size_t i, bool isSync);
 
-    size_t syncFlags() const { return mSampleSyncs.size(); }
-    size_t blockTotals() const { return mSampleBlockSizes.size(); }
+    size_t syncFlags() const { return mSyncRows; }
+    size_t blockTotals() const { return mBlockRows; }
 
   private:
-    bool hasRoom(bool keepsSyncFlags);
-    uint32_t sizeEntry(size_t i) const { return static_cast<uint32_t>(mSampleSizes[i]); }
+    bool hasRoom(bool keepsSyncFlags) const {
+        return mRows < mCapacity && (!keepsSyncFlags || mSyncRows < mSyncCapacity);
+    }
+    bool grow(bool keepsSyncFlags);
+    uint32_t sizeEntry(size_t i) const { return mSampleSizes[i]; }
 
-    Vector<int64_t> mSampleOffsets;
-    Vector<int32_t> mSampleSizes;
-    Vector<int8_t> mSampleSyncs;
-    Vector<int32_t> mSampleBlockSizes;
+    PlainArray<int64_t> mSampleOffsets;
+    PlainArray<uint32_t> mSampleSizes;
+    PlainArray<int8_t> mSampleSyncs;
+    PlainArray<int32_t> mSampleBlockSizes;
+    size_t mRows = 0;
+    size_t mCapacity = 0;      // rows that there is room for
+    size_t mSyncRows = 0;      // rows with a key flag
+    size_t mSyncCapacity = 0;  // and those that there is room for
+    size_t mBlockRows = 0;     // rows with a block total
     Sizes mSizes = Sizes::kOfChunks;
     bool mIsFromOpenDml = false;
 };

@@ -11,10 +11,6 @@ Track* TrackList::byPosition(size_t index) const {
     return index < mTracks.size() ? mTracks[index].get() : nullptr;
 }
 
-Track* TrackList::byStream(uint32_t streamNumber) const {
-    return streamNumber < mByStream.size() ? mByStream[streamNumber] : nullptr;
-}
-
 Track* TrackList::add(uint32_t streamNumber) {
     ++mChanges;
     mTracks.push_back(std::make_unique<Track>());

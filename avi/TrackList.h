@@ -29,7 +29,9 @@ class TrackList {
 
     // The track that chunk ids with this number belong to; null when its stream was dropped or
     // never was.
-    Track* byStream(uint32_t streamNumber) const;
+    Track* byStream(uint32_t streamNumber) const {
+        return streamNumber < mByStream.size() ? mByStream[streamNumber] : nullptr;
+    }
 
     // Appends the track of a stream. A second header list counts its streams from 0 again: the
     // first taker keeps the number.

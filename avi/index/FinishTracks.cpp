@@ -56,6 +56,7 @@ status_t finishParse(FileReader& reader, const TrackList& tracks) {
     for (const auto& track : tracks) {
         anyPlayable |= finishTrack(reader, track.get(), &videoDurationUs);
         dumpTrack(*track);
+        track->mTable.trim();
         track->info.mIsSubtitle = track->mIsSubtitle;
     }
     if (!anyPlayable) return ERROR_UNSUPPORTED;

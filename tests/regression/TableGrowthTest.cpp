@@ -3,8 +3,6 @@
 // A sample table has a column for each thing that it keeps of a sample. When one of them could not
 // grow the others did, and what was looked up in it lay outside of it.
 
-#include <utils/Vector.h>
-
 #include <algorithm>
 
 #include "tests/behaviour/robustness/AllocationWatch.h"
@@ -24,14 +22,6 @@ constexpr size_t kOffset = 8;
 constexpr size_t kSize = 4;
 constexpr size_t kKeyFlag = 1;
 
-// What the platform asks for to keep so many bytes in a vector.
-size_t vectorOf(size_t bytes) {
-    const AllocationWatch watch;
-    android::Vector<uint8_t> vector;
-    vector.setCapacity(bytes);
-    return watch.largest();
-}
-
 class TableGrowth : public SeekingTest {
   protected:
     void SetUp() override {
@@ -46,7 +36,7 @@ class TableGrowth : public SeekingTest {
     // Opens the file while there is no memory for a column of that many bytes a row.
     void openWithoutMemoryFor(size_t bytesPerRow) {
         const LogCapture log;
-        const size_t wanted = vectorOf(kRows * bytesPerRow);
+        const size_t wanted = kRows * bytesPerRow;
         openFile(mAvi.build());
         const NoMemoryFor none(wanted);
         EXPECT_EQ(2u, countTracks());

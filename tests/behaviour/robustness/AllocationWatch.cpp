@@ -114,7 +114,7 @@ AVI_EXPORTED void* calloc(size_t count, size_t size) noexcept {
 }
 
 AVI_EXPORTED void* realloc(void* memory, size_t size) noexcept {
-    if (gRequests++ == gRefusedNumber) return nullptr;
+    if (isRefused(size)) return nullptr;
     const size_t before = memory == nullptr ? 0 : malloc_usable_size(memory);
     void* moved = __libc_realloc(memory, size);
     if (moved != nullptr || size == 0) noteRelease(before);
