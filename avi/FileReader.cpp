@@ -62,6 +62,12 @@ bool FileReader::isInWindow(int64_t offset, size_t size) const {
     return skipped <= mWindow.size && size <= mWindow.size - skipped;
 }
 
+bool FileReader::takeFromWindow(int64_t offset, void* out, size_t size) const {
+    if (!isInWindow(offset, size)) return false;
+    memcpy(out, mWindow.bytes.data() + (offset - mWindow.offset), size);
+    return true;
+}
+
 // Fetches the window that begins at `offset`, twice as much each time that pieces go on to follow
 // closely.
 void FileReader::moveWindow(int64_t offset, size_t size) {
@@ -72,10 +78,15 @@ void FileReader::moveWindow(int64_t offset, size_t size) {
     }
     mWindow.reach = std::clamp(2 * mWindow.reach, kMinWindow, kMaxWindow);
     const auto rest = static_cast<uint64_t>(mSize - offset);
-    const size_t wanted = std::min<uint64_t>(mWindow.reach, rest);
-    mWindow.bytes.resize(wanted);
-    const ssize_t got = readAt(offset, mWindow.bytes.data(), wanted);
-    if (got < 0 || static_cast<size_t>(got) > wanted) return;
+    fetchWindow(offset, std::min<uint64_t>(mWindow.reach, rest));
+}
+
+// Leaves the window with what the source gave: nothing, where it failed.
+void FileReader::fetchWindow(int64_t offset, size_t size) {
+    mWindow.size = 0;
+    mWindow.bytes.resize(std::max(size, mWindow.bytes.size()));
+    const ssize_t got = readAt(offset, mWindow.bytes.data(), size);
+    if (got < 0 || static_cast<size_t>(got) > size) return;
     mWindow.offset = offset;
     mWindow.size = static_cast<size_t>(got);
 }
@@ -85,9 +96,18 @@ ssize_t FileReader::readNear(int64_t offset, void* out, size_t size) {
     mWindow.row = isNear ? mWindow.row + 1 : 0;
     mWindow.last = offset;
     if (!isInWindow(offset, size)) moveWindow(offset, size);
-    if (!isInWindow(offset, size)) return readAt(offset, out, size);
-    memcpy(out, mWindow.bytes.data() + (offset - mWindow.offset), size);
-    return static_cast<ssize_t>(size);
+    if (takeFromWindow(offset, out, size)) return static_cast<ssize_t>(size);
+    return readAt(offset, out, size);
+}
+
+bool FileReader::readRun(int64_t offset, void* out, size_t size, int64_t end) {
+    if (takeFromWindow(offset, out, size)) return true;
+    const int64_t known = std::min(end, mSize);
+    if (holds(offset, size) && known > offset + static_cast<int64_t>(size)) {
+        fetchWindow(offset, std::min<uint64_t>(kMaxWindow, static_cast<uint64_t>(known - offset)));
+        if (takeFromWindow(offset, out, size)) return true;
+    }
+    return readExactly(offset, out, size);
 }
 
 status_t FileReader::readBuffer(int64_t offset, size_t size, sp<ABuffer>* out) {

@@ -49,6 +49,10 @@ class FileReader {
     // them alone.
     ssize_t readNear(int64_t offset, void* out, size_t size);
 
+    // For the parse alone, which reads all bytes up to `end` piece by piece: as readExactly(), but
+    // many pieces are fetched in one call of the source. The same holds for fetches that fail.
+    bool readRun(int64_t offset, void* out, size_t size, int64_t end);
+
     // For the parse alone: reads a whole payload into a new buffer. ERROR_IO when the file does not
     // hold it, NO_MEMORY. All buffers together may have a few times the bytes of the file, since
     // many entries of an index can name the same ones; what exceeds that is ERROR_IO too.
@@ -68,7 +72,9 @@ class FileReader {
         size_t reach = 0;    // how much was fetched last; 0: nothing
     };
     bool isInWindow(int64_t offset, size_t size) const;
+    bool takeFromWindow(int64_t offset, void* out, size_t size) const;
     void moveWindow(int64_t offset, size_t size);
+    void fetchWindow(int64_t offset, size_t size);
 
     const std::unique_ptr<DataSourceHelper> mSource;
     mutable std::mutex mLock;  // held while the source is asked

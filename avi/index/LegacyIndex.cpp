@@ -67,7 +67,7 @@ status_t parseIDX1(FileReader& reader, const TrackList& tracks, int64_t start, i
         const int64_t count = std::min(kIdx1EntriesPerRead, entries - first);
         uint8_t bytes[kIdx1EntriesPerRead * kIdx1EntrySize];
         const auto size = static_cast<size_t>(count * kIdx1EntrySize);
-        if (!reader.readExactly(start + first * kIdx1EntrySize, bytes, size)) {
+        if (!reader.readRun(start + first * kIdx1EntrySize, bytes, size, end)) {
             return fail("parseIDX1", status_t{ERROR_IO}, __LINE__);
         }
         Idx1Entry entry;

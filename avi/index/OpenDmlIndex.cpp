@@ -211,11 +211,13 @@ status_t OpenDmlIndex::parseChunkIndex(int64_t start, int64_t end, const RuvoAVI
 
 status_t OpenDmlIndex::addStandardEntries(int64_t entries, const RuvoAVIIndexChunk& header,
                                           Track* track, uint32_t* added) {
+    const int64_t end = entries + kStandardEntrySize * header.entriesInUse;
     while (*added < header.entriesInUse && hasEntriesLeft()) {
         const uint32_t count = std::min(kStandardEntriesPerRead, header.entriesInUse - *added);
         uint8_t bytes[kStandardEntriesPerRead * kStandardEntrySize];
         const auto entrySize = static_cast<size_t>(kStandardEntrySize);
-        if (!mReader.readExactly(entries + kStandardEntrySize * *added, bytes, count * entrySize)) {
+        if (!mReader.readRun(entries + kStandardEntrySize * *added, bytes, count * entrySize,
+                             end)) {
             AVI_LOGE("%s(): Failed to read chunk entry at %lld", "parseChunkIndex", ll(entries));
             return ERROR_IO;
         }

@@ -171,12 +171,9 @@ TEST_F(StandardIndexes, UpTo512EntriesTakeOneRead) {
     EXPECT_THAT(batchSizes(512), ElementsAre(4096u));
 }
 
-TEST_F(StandardIndexes, The513thEntryTakesASecondRead) {
-    EXPECT_THAT(batchSizes(513), ElementsAre(4096u, 8u));
-}
-
-TEST_F(StandardIndexes, LongOnesAreReadInBatchesOf512) {
-    EXPECT_THAT(batchSizes(1300), ElementsAre(4096u, 4096u, 2208u));
+TEST_F(StandardIndexes, EntriesBeyond64KiBTakeASecondRead) {
+    EXPECT_THAT(batchSizes(8192), ElementsAre(65536u));
+    EXPECT_THAT(batchSizes(8193), ElementsAre(65536u, 8u));
 }
 
 TEST_F(StandardIndexes, LongOnesKeepTheOrderAcrossBatches) {

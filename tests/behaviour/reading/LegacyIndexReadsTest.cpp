@@ -35,13 +35,13 @@ class LegacyIndexReads : public ReadingTest {
     }
 };
 
-TEST_F(LegacyIndexReads, EntriesAreReadInBatchesOf256) {
+TEST_F(LegacyIndexReads, EntriesAreFetchedInCallsOf64KiB) {
     struct Row {
         size_t entries;
         std::vector<size_t> batches;
     };
-    const Row rows[] = {{1, {1}},        {255, {255}},     {256, {256}},
-                        {257, {256, 1}}, {300, {256, 44}}, {513, {256, 256, 1}}};
+    const Row rows[] = {{1, {1}},       {256, {256}},      {257, {257}},
+                        {4096, {4096}}, {4097, {4096, 1}}, {9000, {4096, 4096, 808}}};
     for (const Row& row : rows) {
         SCOPED_TRACE(row.entries);
         fillIndex(row.entries);
@@ -60,6 +60,25 @@ TEST_F(LegacyIndexReads, EntriesAreReadInBatchesOf256) {
         EXPECT_EQ(sizes, row.batches);
         EXPECT_EQ(readAll(0).size(), row.entries);
     }
+}
+
+// What lies in front of a place that cannot be read is used, in whole batches.
+TEST_F(LegacyIndexReads, FetchThatFailsIsMadeAgainForABatch) {
+    LogCapture log;
+    fillIndex(600);
+    MemorySource memory(mAvi.build());
+    FaultySource source(memory);
+    const auto unreadable =
+        static_cast<off64_t>(mAvi.place("idx1.0").dataOffset + 511 * kEntrySize);
+    source.inject(Fault::error(-EIO).onOffsets(unreadable, unreadable + 1));
+    openSource(source);
+    countTracks();
+
+    std::vector<size_t> sizes;
+    for (const FaultySource::Call& call : indexReads(source))
+        sizes.push_back(call.size / kEntrySize);
+    EXPECT_EQ(sizes, (std::vector<size_t>{600, 256, 344, 256}));
+    EXPECT_THAT(log, Logged(ANDROID_LOG_ERROR, "parseIDX1(): error -3EC @line"));
 }
 
 TEST_F(LegacyIndexReads, BatchesAreAnnouncedAndCountedInTheLog) {
