@@ -20,9 +20,12 @@ namespace android {
 static constexpr unsigned kLoggedUnits = 1000;
 
 bool readChunk(const SourceTrack& track, const Chunk& chunk, const SampleBuffer& buffer,
-               size_t position) {
+               size_t position, size_t skipped) {
     if (position > buffer.capacity() || chunk.size > buffer.capacity() - position) return false;
-    return track.reader.readExactly(chunk.offset, buffer.data() + position, chunk.size);
+    // The last byte is read in any case: it tells whether the chunk is whole.
+    const size_t from = chunk.size == 0 ? 0 : std::min<size_t>(skipped, chunk.size - 1);
+    const int64_t offset = saturatingAdd(chunk.offset, static_cast<int64_t>(from));
+    return track.reader.readExactly(offset, buffer.data() + position + from, chunk.size - from);
 }
 
 media_status_t ChunkLoader::load(Chunk* chunk, SampleBuffer* out) {
@@ -48,19 +51,26 @@ bool ChunkLoader::isLengthPrefixed() const {
 }
 
 // VC-1 decoders find frames by their start codes, which most writers leave out. The frame header
-// is better at key frames than the index.
+// is better at key frames than the index. Of a buffer without room for a start code only a frame
+// that has one makes use.
 bool ChunkLoader::loadVc1(Chunk* chunk, const SampleBuffer& out, size_t* insertedBytes) {
     if (out.capacity() < kStartCodeSize) return false;
+    const bool hasRoom = chunk->size <= out.capacity() - kStartCodeSize;
+    const size_t position = hasRoom ? kStartCodeSize : 0;
+    if (!readChunk(mTrack, *chunk, out, position)) return false;
+    uint8_t* frameData = out.data() + position;
     uint8_t bytes[kVc1ProbeBytes] = {};
-    const size_t probed = std::min<size_t>(chunk->size, sizeof(bytes));
-    if (!mTrack.reader.readExactly(chunk->offset, bytes, probed)) return false;
+    memcpy(bytes, frameData, std::min<size_t>(chunk->size, sizeof(bytes)));
     const Vc1Frame frame = probeVc1Frame(bytes);
     chunk->isSync = frame.isSync;
-    if (!frame.hasStartCode) {
-        writeVc1StartCode(out.data());
-        *insertedBytes = kStartCodeSize;
+    if (frame.hasStartCode) {
+        memmove(out.data(), frameData, chunk->size);
+        return true;
     }
-    return readChunk(mTrack, *chunk, out, *insertedBytes);
+    if (!hasRoom) return false;
+    writeVc1StartCode(out.data());
+    *insertedBytes = kStartCodeSize;
+    return true;
 }
 
 // Decoders take start codes. The published length stays that of the chunk, which is exact for the

@@ -14,9 +14,10 @@
 namespace android {
 
 // One read of a chunk as it lies in the file, to `position` of the buffer. False when the file or
-// the buffer does not hold it.
+// the buffer does not hold it. Of its first `skipped` bytes nobody asks for, only their room is
+// left.
 bool readChunk(const SourceTrack& track, const Chunk& chunk, const SampleBuffer& buffer,
-               size_t position);
+               size_t position, size_t skipped = 0);
 
 // Loads chunks in the form that decoders take: start codes before VC-1 and AVC units, PCM of 16
 // bits. Not for MPEG audio, which is cut into frames.

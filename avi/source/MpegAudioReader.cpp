@@ -49,7 +49,7 @@ media_status_t MpegAudioReader::load(Chunk* chunk) {
     }
     mCutter.beginData();
     mLog.beginRead();
-    if (!readChunk(mTrack, *chunk, mRest, rest)) {
+    if (!readChunk(mTrack, *chunk, mRest, rest, mConsumed)) {
         mRest.reset();
         return shortRead(mTrack, *chunk, __LINE__);
     }
