@@ -12,6 +12,7 @@
 #include "service/MemorySource.h"
 #include "tests/behaviour/robustness/AllocationWatch.h"
 #include "tests/behaviour/robustness/Endurance.h"
+#include "tests/support/SlowBuild.h"
 
 namespace avitest {
 namespace {
@@ -19,16 +20,6 @@ namespace {
 using android::service::DataSource;
 using android::service::Extractor;
 using android::service::MemorySource;
-
-// Builds that run many times slower than what users get: instrumented, unoptimised or emulated.
-#if !defined(__OPTIMIZE__) || defined(__aarch64__)
-constexpr bool kSlowBuild = true;
-#elif !defined(__has_feature)
-constexpr bool kSlowBuild = false;
-#else
-constexpr bool kSlowBuild = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) ||
-                            __has_feature(undefined_behavior_sanitizer);
-#endif
 
 constexpr double kMostSeconds = kSlowBuild ? 30 : 1;  // of processor time
 
