@@ -30,14 +30,14 @@ void compare(const char* what, uint64_t used, uint64_t most, uint64_t fileSize) 
 }  // namespace
 
 ssize_t MeasuredSource::readAt(off64_t offset, void* data, size_t size) {
-    ++mCalls;
+    ++mReads;
     const ssize_t result = mSource.readAt(offset, data, size);
     if (result > 0) mBytes += static_cast<uint64_t>(result);
     return result;
 }
 
 android::status_t MeasuredSource::getSize(off64_t* size) {
-    ++mCalls;
+    ++mSizeCalls;
     return mSource.getSize(size);
 }
 

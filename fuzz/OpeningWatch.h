@@ -15,7 +15,9 @@ class MeasuredSource : public android::service::DataSource {
   public:
     explicit MeasuredSource(android::service::DataSource& source) : mSource(source) {}
 
-    uint64_t calls() const { return mCalls; }
+    uint64_t calls() const { return mReads + mSizeCalls; }
+    /** Those that ask for bytes. */
+    uint64_t reads() const { return mReads; }
     /** Bytes that were delivered. */
     uint64_t bytes() const { return mBytes; }
 
@@ -24,7 +26,8 @@ class MeasuredSource : public android::service::DataSource {
 
   private:
     android::service::DataSource& mSource;
-    uint64_t mCalls = 0;
+    uint64_t mReads = 0;
+    uint64_t mSizeCalls = 0;
     uint64_t mBytes = 0;
 };
 
