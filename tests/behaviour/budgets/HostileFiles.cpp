@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tests/behaviour/budgets/HostileFiles.h"
+
+namespace avitest {
+
+std::vector<HostileFile> hostileFiles() {
+    std::vector<HostileFile> all;
+    for (const auto& files : {hostileHeaders(), hostileSegments()}) {
+        all.insert(all.end(), files.begin(), files.end());
+    }
+    return all;
+}
+
+}  // namespace avitest
