@@ -6,7 +6,8 @@ namespace avitest {
 
 std::vector<HostileFile> hostileFiles() {
     std::vector<HostileFile> all;
-    for (const auto& files : {hostileHeaders(), hostileSegments()}) {
+    for (const auto& files :
+         {hostileHeaders(), hostileSegments(), hostileScans(), hostileIndexes()}) {
         all.insert(all.end(), files.begin(), files.end());
     }
     return all;

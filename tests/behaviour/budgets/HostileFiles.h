@@ -26,6 +26,8 @@ inline void PrintTo(const HostileFile& file, std::ostream* out) {
 // By what there is too much of: each list is a file of its own.
 std::vector<HostileFile> hostileHeaders();   // streams, names, formats, tags
 std::vector<HostileFile> hostileSegments();  // chunks and lists at the top level, padding
+std::vector<HostileFile> hostileScans();     // chunks of movi lists without an index
+std::vector<HostileFile> hostileIndexes();   // entries, and indexes that name one another
 
 // All of them.
 std::vector<HostileFile> hostileFiles();
