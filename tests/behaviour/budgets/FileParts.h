@@ -33,7 +33,8 @@ struct FileParts {
     Bytes build() const;
 };
 
-// So many bytes of an index with these entries in turn.
+// So many bytes of an index with these entries in turn, each of kIdx1Entry bytes.
+constexpr size_t kIdx1Entry = 16;
 Bytes entriesOf(const std::vector<Idx1Entry>& unit, size_t bytes);
 
 // Offset in idx1 of what lies so many bytes into the contents of the movi list.

@@ -6,8 +6,8 @@ namespace avitest {
 
 std::vector<HostileFile> hostileFiles() {
     std::vector<HostileFile> all;
-    for (const auto& files :
-         {hostileHeaders(), hostileSegments(), hostileScans(), hostileIndexes()}) {
+    for (const auto& files : {hostileHeaders(), hostileSegments(), hostileScans(), hostileIndexes(),
+                              hostileSamples()}) {
         all.insert(all.end(), files.begin(), files.end());
     }
     return all;

@@ -28,6 +28,7 @@ std::vector<HostileFile> hostileHeaders();   // streams, names, formats, tags
 std::vector<HostileFile> hostileSegments();  // chunks and lists at the top level, padding
 std::vector<HostileFile> hostileScans();     // chunks of movi lists without an index
 std::vector<HostileFile> hostileIndexes();   // entries, and indexes that name one another
+std::vector<HostileFile> hostileSamples();   // bytes that configuration and reading look at
 
 // All of them.
 std::vector<HostileFile> hostileFiles();

@@ -9,7 +9,6 @@ namespace avitest {
 
 namespace {
 
-constexpr size_t kIdx1Entry = 16;
 constexpr size_t kSmall = 8;  // bytes of a sample
 
 // One small chunk of each of two streams, video and sound in bytes; an entry for the first, then so
