@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // What opening a file may cost at most, by its size in bytes: the sniff, the parse and the first
-// answers to all queries. The fuzzers and the tests measure against these numbers; they hold for
-// every file, damaged ones included.
+// answers to all queries; and what playing it may cost. The fuzzers and the tests measure against
+// these numbers; they hold for every file, damaged ones included.
 #pragma once
 
 #include <algorithm>
@@ -38,6 +38,34 @@ constexpr uint64_t maxMemory(uint64_t fileSize) {
 /** Lines in the log while all switches are off. */
 constexpr uint64_t maxLogLines(uint64_t fileSize) {
     return std::min(fileSize, kLargestFile) / kLeastRecordBytes + 1000;
+}
+
+// A table entry is looked at, no more than once while a track is read: its frame's type says when
+// those in front of it are shown.
+constexpr uint64_t kBytesLookedAt = 512;
+
+/**
+ * Bytes that the source delivers while tracks are read through: what is handed out, a look at each
+ * entry, and the last sample, which cannot be had.
+ */
+constexpr uint64_t maxBytesReading(uint64_t sampleBytes, uint64_t entries, uint64_t lastBytes) {
+    return sampleBytes + kBytesLookedAt * entries + lastBytes;
+}
+
+/** Reads of the source meanwhile: one for each of a track, and the looks. */
+constexpr uint64_t maxReadsReading(uint64_t reads, uint64_t entries) {
+    return reads + entries;
+}
+
+/**
+ * The same for reads that seek: each loads one chunk, of which perhaps nothing is handed out, and
+ * looks at the entry behind it; the entries are looked at no more than once.
+ */
+constexpr uint64_t maxBytesSeeking(uint64_t reads, uint64_t largestBytes, uint64_t entries) {
+    return reads * (largestBytes + kBytesLookedAt) + kBytesLookedAt * entries;
+}
+constexpr uint64_t maxReadsSeeking(uint64_t reads, uint64_t entries) {
+    return 2 * reads + entries;
 }
 
 }  // namespace avifuzz
