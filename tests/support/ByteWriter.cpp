@@ -73,6 +73,10 @@ Bytes bytesOf(std::string_view text) {
     return Bytes(text.begin(), text.end());
 }
 
+Bytes operator+(const Bytes& a, const Bytes& b) {
+    return ByteWriter().bytes(a).bytes(b).take();
+}
+
 Bytes patternBytes(size_t length, uint32_t seed) {
     Bytes result(length);
     // A 16-bit linear congruence, widened so that nothing wraps.

@@ -78,6 +78,9 @@ class ByteWriter {
 // The bytes of a text, without a terminating NUL.
 Bytes bytesOf(std::string_view text);
 
+// The bytes of `a`, followed by those of `b`.
+Bytes operator+(const Bytes& a, const Bytes& b);
+
 // `length` bytes that differ from place to place and from seed to seed, so that a sample which was
 // read from a wrong offset, or in the wrong length, does not compare equal.
 Bytes patternBytes(size_t length, uint32_t seed = 0);

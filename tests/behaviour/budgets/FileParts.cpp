@@ -19,12 +19,6 @@ Bytes repeated(const Bytes& unit, size_t bytes) {
     return result;
 }
 
-Bytes operator+(const Bytes& a, const Bytes& b) {
-    Bytes result = a;
-    result.insert(result.end(), b.begin(), b.end());
-    return result;
-}
-
 Bytes chunkBytes(ChunkId id, const Bytes& payload) {
     return Chunk(id, payload).toBytes();
 }

@@ -11,7 +11,6 @@ namespace avitest {
 
 // As many times `unit` as fit into so many bytes.
 Bytes repeated(const Bytes& unit, size_t bytes);
-Bytes operator+(const Bytes& a, const Bytes& b);
 
 // A chunk, or a list of the given contents.
 Bytes chunkBytes(ChunkId id, const Bytes& payload);

@@ -24,10 +24,6 @@ std::string dump(const Bytes& bytes, const char* digits) {
 
 }  // namespace
 
-Bytes operator+(const Bytes& a, const Bytes& b) {
-    return ByteWriter().bytes(a).bytes(b).take();
-}
-
 Bytes unit3(const Bytes& nal) {
     return Bytes{0, 0, 1} + nal;
 }

@@ -10,8 +10,6 @@
 
 namespace avitest {
 
-Bytes operator+(const Bytes& a, const Bytes& b);
-
 // A NAL unit behind a start code of three or four bytes.
 Bytes unit3(const Bytes& nal);
 Bytes unit4(const Bytes& nal);

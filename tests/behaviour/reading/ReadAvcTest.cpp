@@ -18,10 +18,6 @@ Bytes prefixed(unsigned width, const Bytes& unit) {
     return out.bytes(unit).take();
 }
 
-Bytes operator+(const Bytes& a, const Bytes& b) {
-    return ByteWriter().bytes(a).bytes(b).take();
-}
-
 class ReadAvc : public ReadingTest {
   protected:
     Sample read(unsigned width, const Bytes& chunk) {
