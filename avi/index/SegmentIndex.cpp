@@ -13,6 +13,10 @@ constexpr int kLineMoreRiffWithoutIndex = 4376;
 
 namespace {
 
+// How many times the bytes of the file its further segments may have read, all together. They lie
+// one behind the other in an honest file, and may not in a damaged one.
+constexpr int64_t kFurtherShare = 4;
+
 // A file that is cut within its index has lost the end of its movi list too.
 bool isCut(int64_t end, int64_t fileSize) {
     if (fileSize >= end) return false;
@@ -70,14 +74,22 @@ void SegmentIndex::completeFirst() {
     MoviScan(mReader, mTracks).parseMOVIMore(mMovi);
 }
 
+// Takes what is to be read off what the further segments may read; false when it is too much.
+bool SegmentIndex::takeFurther(int64_t bytes) {
+    mFurtherBytes += bytes;
+    return mFurtherBytes / kFurtherShare <= mReader.size();
+}
+
 status_t SegmentIndex::readFurtherIdx1(int64_t start, int64_t end) {
-    if (isCut(end, mReader.size())) return OK;
+    if (isCut(end, mReader.size()) || !takeFurther(end - start)) return OK;
     return parseIDX1(mReader, mTracks, start, end, mMovi.start);
 }
 
 void SegmentIndex::scanFurther() {
     AVI_LOGW("%s(): This riff doesn't have index. May take a long time to parse 'movi' chunk!@L%d",
              "parseMoreRIFF", kLineMoreRiffWithoutIndex);
+    const int64_t rest = std::max<int64_t>(mReader.size() - mMovi.start, 0);
+    if (!takeFurther(std::min<int64_t>(mMovi.size, rest))) return;
     MoviScan(mReader, mTracks).parseMOVIMore(mMovi);
 }
 

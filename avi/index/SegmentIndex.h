@@ -42,6 +42,7 @@ class SegmentIndex {
 
   private:
     bool allTracksIndexed();
+    bool takeFurther(int64_t bytes);
 
     FileReader& mReader;
     const TrackList& mTracks;
@@ -49,8 +50,9 @@ class SegmentIndex {
     // The answer of allTracksIndexed() for the tracks as they were then: a file may ask very often.
     uint32_t mAskedAt = 0;
     bool mAllIndexed = true;
-    bool mIdx1Found = false;  // an idx1 of the first segment was read, or found to be cut
-    bool mHasIndex = false;   // the tables of the first segment are complete
+    int64_t mFurtherBytes = 0;  // that further segments have read, or would have
+    bool mIdx1Found = false;    // an idx1 of the first segment was read, or found to be cut
+    bool mHasIndex = false;     // the tables of the first segment are complete
 };
 
 }  // namespace android
