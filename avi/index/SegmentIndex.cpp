@@ -5,6 +5,7 @@
 
 #include "index/AddSample.h"
 #include "index/LegacyIndex.h"
+#include "support/Arithmetic.h"
 #include "support/Log.h"
 
 namespace android {
@@ -76,7 +77,7 @@ void SegmentIndex::completeFirst() {
 
 // Takes what is to be read off what the further segments may read; false when it is too much.
 bool SegmentIndex::takeFurther(int64_t bytes) {
-    mFurtherBytes += bytes;
+    mFurtherBytes = saturatingAdd(mFurtherBytes, bytes);
     return mFurtherBytes / kFurtherShare <= mReader.size();
 }
 
