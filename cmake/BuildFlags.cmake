@@ -43,3 +43,18 @@ if(AVI_COVERAGE)
     add_compile_options(--coverage -O0 -g)
     add_link_options(--coverage)
 endif()
+
+# avi_harden(): what the current folder holds is built as the platform builds its libraries. For what is
+# installed; sanitizers watch the same and more.
+function(avi_harden)
+    if(AVI_SANITIZE OR AVI_COVERAGE)
+        return()
+    endif()
+    # The checks of FORTIFY need optimised code.
+    add_compile_options(-fstack-protector-strong
+        $<$<CONFIG:Release>:-U_FORTIFY_SOURCE> $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=2>)
+    add_link_options(-Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+    if(CMAKE_SYSTEM_PROCESSOR STREQUAL "aarch64")
+        add_link_options(-Wl,-z,max-page-size=16384)  # devices may have pages of 16 KiB
+    endif()
+endfunction()
