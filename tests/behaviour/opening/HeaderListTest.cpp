@@ -152,6 +152,32 @@ TEST_F(HeaderList, ManyUnknownChunksDoNotEndItsWalk) {
     EXPECT_EQ(2u, countTracks());
 }
 
+TEST_F(HeaderList, RunOfZerosIsLoggedOnce) {
+    const std::vector<Chunk> zeros(3, Chunk(uint32_t{0}));
+    AviFile avi = twoStreamFile();
+    avi.editHeaders = [&](Chunk& hdrl) {
+        for (const Chunk& zero : zeros)
+            hdrl.insert(1, zero);
+        hdrl.insert(1, Chunk("STRY"));
+        for (const Chunk& zero : zeros)
+            hdrl.insert(1, zero);
+    };
+    openFile(avi.build());
+    EXPECT_EQ(2u, countTracks());
+    EXPECT_EQ(2u, mLog.count("parseHDRL(): unknown chunk 0x00000000"));
+}
+
+TEST_F(HeaderList, EveryUnknownChunkWithAnIdIsLogged) {
+    AviFile avi = twoStreamFile();
+    avi.editHeaders = [](Chunk& hdrl) {
+        hdrl.insert(1, Chunk("STRY"));
+        hdrl.insert(1, Chunk("STRY"));
+    };
+    openFile(avi.build());
+    EXPECT_EQ(2u, countTracks());
+    EXPECT_EQ(2u, mLog.count("parseHDRL(): unknown chunk " + idText("STRY")));
+}
+
 TEST_F(HeaderList, ListTypesAreShownByTheExtractLog) {
     setProperty(kExtractLogProperty, "1");
     openFile(twoStreamFile().build());
