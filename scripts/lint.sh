@@ -18,6 +18,7 @@ scripts/check-format.sh
 scripts/check-android-bp.sh
 scripts/check-completions.sh
 scripts/check-layers.py
+python3 -B scripts/mutation/faults_test.py
 
 cmake --preset debug >/dev/null # for the compilers' command lines
 git ls-files -- "${folders[@]}" | grep '\.cpp$' |
