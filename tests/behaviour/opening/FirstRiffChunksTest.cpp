@@ -48,6 +48,18 @@ TEST_F(FirstRiffChunks, JunkIsSkippedEverywhere) {
     EXPECT_EQ(0u, mLog.count("unknown chunk"));
 }
 
+// idx2, idx3 and idx4 are indexes of further RIFFs.
+TEST_F(FirstRiffChunks, NumberedIndexIsAnUnknownChunk) {
+    size_t unknown = 0;
+    for (const ChunkId id : {ChunkId("idx2"), ChunkId("idx3"), ChunkId("idx4")}) {
+        AviFile avi = videoFile();
+        avi.segment().beforeMovi = {Chunk(id, Bytes(16))};
+        openVerbosely(avi.build());
+        EXPECT_EQ(avi.payloads(0), readPayloads(0));
+        EXPECT_EQ(++unknown, mLog.count("unknown chunk"));
+    }
+}
+
 TEST_F(FirstRiffChunks, ChunkBehindAnOddOneStartsAfterThePadByte) {
     AviFile avi = videoFile();
     avi.segment().beforeMovi = {Chunk("STRY", Bytes(3))};
