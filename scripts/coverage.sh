@@ -17,5 +17,7 @@ mkdir -p "$build"
 # What an earlier run counted is not of this one.
 find "$build" -name '*.gcda' -delete
 scripts/test.sh coverage
-gcovr --root . --filter avi/ --object-directory "$build" \
-    --fail-under-line "$wanted" "$build"
+# As the plug-in is compiled, wherever it ran. Threads may bring the count of a branch below 0, which
+# gcovr does not know; lines are what counts here.
+gcovr --root . --filter avi/ --gcov-ignore-parse-errors --object-directory "$build" \
+    --fail-under-line "$wanted" "$build/avi"
