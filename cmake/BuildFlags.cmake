@@ -44,6 +44,17 @@ if(AVI_COVERAGE)
     add_link_options(--coverage)
 endif()
 
+# Calls through pointers and of virtual functions go where their type allows, also between libraries.
+# Tests are built so too: the linker cannot mix inline functions of both kinds.
+if(AVI_CFI)
+    if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang" OR AVI_SANITIZE)
+        message(FATAL_ERROR "AVI_CFI takes clang and no sanitizer")
+    endif()
+    set(cfi_flags -fsanitize=cfi -fsanitize-cfi-cross-dso -flto=thin)
+    add_compile_options(${cfi_flags})
+    add_link_options(${cfi_flags} -fuse-ld=lld)
+endif()
+
 # avi_harden(): what the current folder holds is built as the platform builds its libraries. For what is
 # installed; sanitizers watch the same and more.
 function(avi_harden)
@@ -54,6 +65,9 @@ function(avi_harden)
     add_compile_options(-fstack-protector-strong
         $<$<CONFIG:Release>:-U_FORTIFY_SOURCE> $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=2>)
     add_link_options(-Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+    if(AVI_CFI)
+        add_link_options(-Wl,--version-script=${CMAKE_SOURCE_DIR}/cmake/cfi-exports.map.txt)
+    endif()
     if(CMAKE_SYSTEM_PROCESSOR STREQUAL "aarch64")
         add_link_options(-Wl,-z,max-page-size=16384)  # devices may have pages of 16 KiB
     endif()

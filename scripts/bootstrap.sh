@@ -26,8 +26,9 @@ readonly base_packages=(
     libcli11-dev libfmt-dev nlohmann-json3-dev
     googletest ffmpeg python3)
 
-# llvm-14 holds the symbolizer of the sanitizers' reports, libclang-rt-14-dev their run time.
-readonly clang_packages=(clang-14 libclang-rt-14-dev llvm-14)
+# llvm-14 holds the symbolizer of the sanitizers' reports, libclang-rt-14-dev their run time; lld-14
+# links for control-flow integrity.
+readonly clang_packages=(clang-14 libclang-rt-14-dev llvm-14 lld-14)
 
 # The build adds p7zip-full's 7z.so by itself: see scripts/fetch-arm64-7z.sh.
 readonly cross_packages=(
