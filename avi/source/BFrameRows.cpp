@@ -3,8 +3,6 @@
 
 #include <new>
 
-#include "source/FrameProbe.h"
-
 namespace android {
 
 int64_t BFrameRows::countFrom(size_t first) {
@@ -37,7 +35,7 @@ int64_t BFrameRows::findRow(size_t first) {
 BFrameRows::Seen BFrameRows::look(size_t i) {
     const Seen before = mSeen ? mSeen[i] : Seen::kNever;
     if (before != Seen::kNever && before != Seen::kUnreadable) return before;
-    const std::optional<FrameType> type = probeFrame(mTrack, i);
+    const std::optional<FrameType> type = mFrames.probe(i);
     Seen now = Seen::kOther;
     if (!type) {
         now = before == Seen::kNever ? Seen::kUnreadable : Seen::kMissing;

@@ -6,6 +6,7 @@
 
 #include <memory>
 
+#include "source/FramesAhead.h"
 #include "source/SourceTrack.h"
 
 namespace android {
@@ -15,7 +16,7 @@ namespace android {
 // read again for each of its frames and at each seek.
 class BFrameRows {
   public:
-    explicit BFrameRows(const SourceTrack& track) : mTrack(track) {}
+    BFrameRows(const SourceTrack& track, FramesAhead* frames) : mTrack(track), mFrames(*frames) {}
 
     // B-frames that directly follow one another from entry `first` on. Entries that cannot be read
     // are passed over: they lie after the end of a cut file.
@@ -33,6 +34,7 @@ class BFrameRows {
     Seen look(size_t i);
 
     const SourceTrack& mTrack;
+    FramesAhead& mFrames;
     std::unique_ptr<Seen[]> mSeen;  // null until the first look, or without memory
 
     // The last row: entries [mBegin, mEnd), mCount of them B-frames. None at first.

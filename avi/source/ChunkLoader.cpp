@@ -36,7 +36,7 @@ media_status_t ChunkLoader::load(Chunk* chunk, SampleBuffer* out) {
     size_t insertedBytes = 0;
     const bool loaded = mTrack.isWvc1        ? loadVc1(chunk, buffer, &insertedBytes)
                         : isLengthPrefixed() ? loadLengthPrefixed(*chunk, buffer)
-                                             : readChunk(mTrack, *chunk, buffer, 0);
+                                             : loadPlain(*chunk, buffer);
     if (!loaded) return shortRead(mTrack, *chunk, __LINE__);
     const size_t length = insertedBytes + chunk->size;
     buffer.setRange(0, length);
@@ -48,6 +48,10 @@ media_status_t ChunkLoader::load(Chunk* chunk, SampleBuffer* out) {
 bool ChunkLoader::isLengthPrefixed() const {
     return mTrack.isAvc && mTrack.info.mAVCStyle == kLengthPrefixes &&
            mTrack.info.mAVCSizeLength >= 1;
+}
+
+bool ChunkLoader::loadPlain(const Chunk& chunk, const SampleBuffer& out) {
+    return chunk.size <= out.capacity() && mFrames.read(chunk, out.data());
 }
 
 // VC-1 decoders find frames by their start codes, which most writers leave out. The frame header
@@ -73,15 +77,19 @@ bool ChunkLoader::loadVc1(Chunk* chunk, const SampleBuffer& out, size_t* inserte
     return true;
 }
 
+// By the size that the file has now: a growing one is asked again.
+bool ChunkLoader::liesBeyondFile(const Chunk& chunk) const {
+    if (mTrack.reader.holds(chunk.offset, chunk.size)) return false;
+    const int64_t fileSize = mTrack.reader.askSize();
+    return fileSize > 0 && chunk.offset > fileSize - chunk.size;
+}
+
 // Decoders take start codes. The published length stays that of the chunk, which is exact for the
 // usual prefixes of four bytes.
 bool ChunkLoader::loadLengthPrefixed(const Chunk& chunk, const SampleBuffer& out) {
-    const int64_t fileSize = mTrack.reader.askSize();
-    if (chunk.size > out.capacity() || (fileSize > 0 && chunk.offset > fileSize - chunk.size)) {
-        return false;
-    }
+    if (chunk.size > out.capacity() || liesBeyondFile(chunk)) return false;
     const std::unique_ptr<uint8_t[]> sample(new (std::nothrow) uint8_t[chunk.size]);
-    if (sample == nullptr || !mTrack.reader.readExactly(chunk.offset, sample.get(), chunk.size)) {
+    if (sample == nullptr || !mFrames.read(chunk, sample.get())) {
         return false;
     }
     mLog.dumpData(sample.get(), chunk.size, SampleLog::kNoTime, chunk.index);

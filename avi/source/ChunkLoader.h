@@ -7,6 +7,7 @@
 
 #include "source/Chunk.h"
 #include "source/Conversions.h"
+#include "source/FramesAhead.h"
 #include "source/SampleBuffer.h"
 #include "source/SampleLog.h"
 #include "source/SourceTrack.h"
@@ -23,9 +24,10 @@ bool readChunk(const SourceTrack& track, const Chunk& chunk, const SampleBuffer&
 // bits. Not for MPEG audio, which is cut into frames.
 class ChunkLoader {
   public:
-    // The pool and the log are those of the source.
-    ChunkLoader(const SourceTrack& track, SampleBufferPool* buffers, SampleLog* log)
-        : mTrack(track), mBuffers(*buffers), mLog(*log) {}
+    // The frames, the pool and the log are those of the source.
+    ChunkLoader(const SourceTrack& track, FramesAhead* frames, SampleBufferPool* buffers,
+                SampleLog* log)
+        : mTrack(track), mFrames(*frames), mBuffers(*buffers), mLog(*log) {}
 
     // Acquires a buffer, fills it, and types the frame. Samples of PCM are left as they are.
     media_status_t load(Chunk* chunk, SampleBuffer* out);
@@ -36,6 +38,8 @@ class ChunkLoader {
 
   private:
     bool isLengthPrefixed() const;
+    bool liesBeyondFile(const Chunk& chunk) const;
+    bool loadPlain(const Chunk& chunk, const SampleBuffer& out);
     bool loadVc1(Chunk* chunk, const SampleBuffer& out, size_t* insertedBytes);
     bool loadLengthPrefixed(const Chunk& chunk, const SampleBuffer& out);
     size_t convertLengthPrefixed(const Chunk& chunk, const uint8_t* sample,
@@ -45,6 +49,7 @@ class ChunkLoader {
     media_status_t convertPcm8(const Chunk& chunk, SampleBuffer* buffer);
 
     const SourceTrack& mTrack;
+    FramesAhead& mFrames;
     SampleBufferPool& mBuffers;
     SampleLog& mLog;
 };

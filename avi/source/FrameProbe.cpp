@@ -11,7 +11,7 @@ FrameType getFrameType(const SourceTrack& track, const uint8_t* data, size_t siz
 }
 
 std::optional<FrameType> probeFrame(const SourceTrack& track, size_t i) {
-    uint8_t bytes[256];
+    uint8_t bytes[kProbedBytes];
     const size_t size = std::min<size_t>(track.table.chunkSize(i), sizeof(bytes));
     if (!track.reader.readExactly(track.table.offset(i), bytes, size)) return std::nullopt;
     return getFrameType(track, bytes, size);

@@ -24,10 +24,16 @@ int64_t FrameTimes::calculateFrameDTS(const Chunk& chunk) {
         // A frame is shown after the B-frames stored after it, which move one place forward.
         const int64_t place = chunk.type == FrameType::kBidirectional
                                   ? index - 1
-                                  : index + mBFrames.countFrom(size_t{chunk.index} + 1);
+                                  : index + followingBFrames(chunk.index);
         timeUs = unitsToUs(place, info.mScale, info.mRate);
     }
     return std::max<int64_t>(timeUs, 0);
+}
+
+// Those of other codecs are not told apart from other frames.
+int64_t FrameTimes::followingBFrames(size_t i) {
+    const bool hasBFrames = mTrack.isMpeg4 || mTrack.isAvc || mTrack.isHevc;
+    return hasBFrames ? mBFrames.countFrom(i + 1) : 0;
 }
 
 // `bytesBefore` counts as a signed 32-bit number.

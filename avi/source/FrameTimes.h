@@ -14,7 +14,9 @@ namespace android {
 // order in which B-frames are stored.
 class FrameTimes {
   public:
-    explicit FrameTimes(const SourceTrack& track) : mTrack(track), mBFrames(track) {}
+    // The frames are those of the source.
+    FrameTimes(const SourceTrack& track, FramesAhead* frames)
+        : mTrack(track), mBFrames(track, frames) {}
 
     // Time in microseconds, never negative, of a chunk that was loaded to `data`.
     int64_t sampleTimeUs(const Chunk& chunk, const uint8_t* data);
@@ -23,6 +25,7 @@ class FrameTimes {
     int64_t calculateFrameDTS(const Chunk& chunk);
 
   private:
+    int64_t followingBFrames(size_t i);
     int64_t audioTimeUs(int64_t index, uint32_t bytesBefore) const;
 
     const SourceTrack& mTrack;

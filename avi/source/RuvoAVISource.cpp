@@ -36,11 +36,12 @@ RuvoAVISource::RuvoAVISource(Track* track, const FileReader& reader,
     : mFormat(track->meta.get()),
       mFormatLock(&track->mFormatLock),
       mTrack(track, reader),
+      mFrames(mTrack),
       mLog(mTrack),
       mCursor(mTrack),
-      mLoader(mTrack, &mBuffers, &mLog),
+      mLoader(mTrack, &mFrames, &mBuffers, &mLog),
       mMpegAudio(mTrack, &mCursor, &mBuffers, &mLog),
-      mTimes(mTrack),
+      mTimes(mTrack, &mFrames),
       mSeeker(mTrack),
       mSeekTimes(mTrack, seekTimes) {}
 
@@ -83,6 +84,7 @@ media_status_t RuvoAVISource::stop() {
     const std::lock_guard<std::mutex> lock(mLock);
     AVI_CHECK(mStarted);
     mMpegAudio.dropRest();
+    mFrames.restart();
     mCursor.moveTo(0);
     mStarted = false;
     return AMEDIA_OK;
@@ -122,6 +124,7 @@ media_status_t RuvoAVISource::seek(int64_t requestedUs, ReadOptions::SeekMode mo
     out->requested = true;
     out->timeUs = mSeekTimes.followedTimeUs(requestedUs);
     mLog.restart();
+    mFrames.restart();
     mMpegAudio.seek(out->timeUs);
     SeekLanding landing;
     if (!mSeeker.getSampleIndexBySeekTime(out->timeUs, mode, &landing)) {

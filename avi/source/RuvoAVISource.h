@@ -17,6 +17,7 @@
 #include "source/Chunk.h"
 #include "source/ChunkLoader.h"
 #include "source/FrameTimes.h"
+#include "source/FramesAhead.h"
 #include "source/MpegAudioReader.h"
 #include "source/SampleBuffer.h"
 #include "source/SampleLog.h"
@@ -70,6 +71,7 @@ class RuvoAVISource : public MediaTrackHelper {
     bool mStarted = false;
 
     const SourceTrack mTrack;
+    FramesAhead mFrames;
     SampleBufferPool mBuffers;
     SampleLog mLog;
     ChunkCursor mCursor;

