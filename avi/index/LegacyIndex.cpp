@@ -33,9 +33,14 @@ struct Idx1Entry {
     uint32_t length = 0;
 };
 
-bool readIdx1Entry(ByteReader* in, Idx1Entry* out) {
-    return in->code(&out->id) && in->u32(&out->flags) && in->u32(&out->offset) &&
-           in->u32(&out->length);
+Idx1Entry entryAt(const uint8_t* bytes) {
+    Idx1Entry entry;
+    ByteReader in(bytes, kIdx1EntrySize);
+    in.code(&entry.id);
+    in.u32(&entry.flags);
+    in.u32(&entry.offset);
+    in.u32(&entry.length);
+    return entry;
 }
 
 // Writers disagree on what offsets are relative to: the file, or the type word of the movi list. An
@@ -70,10 +75,9 @@ status_t parseIDX1(FileReader& reader, const TrackList& tracks, int64_t start, i
         if (!reader.readRun(start + first * kIdx1EntrySize, bytes, size, end)) {
             return fail("parseIDX1", status_t{ERROR_IO}, __LINE__);
         }
-        Idx1Entry entry;
-        ByteReader in(bytes, size);
-        for (bool isFirst = first == 0; readIdx1Entry(&in, &entry); isFirst = false) {
-            if (isFirst) base = offsetBase(entry, moviStart);
+        if (first == 0) base = offsetBase(entryAt(bytes), moviStart);
+        for (size_t at = 0; at < size; at += kIdx1EntrySize) {
+            const Idx1Entry entry = entryAt(bytes + at);
             if ((entry.flags & kIdx1FlagList) != 0) continue;
             addSampleById(reader, tracks, streamNumber(entry.id), sampleOf(entry, base));
             ++added;

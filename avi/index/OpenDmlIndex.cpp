@@ -58,7 +58,12 @@ uint64_t baseOffset(const RuvoAVIIndexChunk& h) {
 
 // u32 offset of the chunk's data from the base | u32 size and flag. The low words are added in 32
 // bits: writers keep them from crossing a 4 GiB border.
-RuvoAVISample standardSample(const RuvoAVIIndexChunk& h, uint32_t offset, uint32_t size) {
+RuvoAVISample standardSample(const RuvoAVIIndexChunk& h, const uint8_t* entry) {
+    uint32_t offset = 0;
+    uint32_t size = 0;
+    ByteReader in(entry, kStandardEntrySize);
+    in.u32(&offset);
+    in.u32(&size);
     RuvoAVISample sample;
     sample.offset =
         static_cast<int64_t>(uint64_t{h.baseOffsetH} << 32 | wrapAdd32(h.baseOffsetL, offset));
@@ -222,12 +227,8 @@ status_t OpenDmlIndex::addStandardEntries(int64_t entries, const RuvoAVIIndexChu
             return ERROR_IO;
         }
         const auto taken = static_cast<uint32_t>(takeEntries(count));
-        ByteReader in(bytes, taken * entrySize);
-        uint32_t offset = 0;
-        uint32_t sizeAndFlag = 0;
-        while (in.u32(&offset) && in.u32(&sizeAndFlag)) {
-            const RuvoAVISample sample = standardSample(header, offset, sizeAndFlag);
-            addSample(mReader, sample, track);
+        for (uint32_t i = 0; i < taken; ++i) {
+            addSample(mReader, standardSample(header, bytes + i * entrySize), track);
         }
         *added += taken;
     }
