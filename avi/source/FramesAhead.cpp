@@ -37,23 +37,22 @@ bool FramesAhead::hasRoom(size_t size) {
 
 bool FramesAhead::read(const Chunk& chunk, uint8_t* out) {
     ++mReads;
-    const Frame* const begin = mFrames;
-    const Frame* const end = begin + mCount;
-    const Frame* const kept =
-        std::find_if(begin, end, [&](const Frame& frame) { return frame.index == chunk.index; });
-    const bool isKept = kept != end;
-    if (isKept) memcpy(out, mBytes.get() + kept->at, chunk.size);
-    dropThrough(chunk.index);
-    return isKept || mTrack.reader.readExactly(chunk.offset, out, chunk.size);
+    if (mCount > 0 && takeKept(chunk, out)) return true;
+    return mTrack.reader.readExactly(chunk.offset, out, chunk.size);
 }
 
-void FramesAhead::dropThrough(size_t i) {
+bool FramesAhead::takeKept(const Chunk& chunk, uint8_t* out) {
     Frame* const begin = mFrames;
     Frame* const end = begin + mCount;
-    Frame* const rest =
-        std::find_if(begin, end, [i](const Frame& frame) { return frame.index > i; });
+    Frame* rest = std::find_if(begin, end, [&](const Frame& f) { return f.index >= chunk.index; });
+    const bool isKept = rest != end && rest->index == chunk.index;
+    if (isKept) {
+        memcpy(out, mBytes.get() + rest->at, chunk.size);
+        ++rest;
+    }
     mCount = static_cast<size_t>(std::move(rest, end, begin) - begin);
     if (mCount == 0) mUsed = 0;
+    return isKept;
 }
 
 void FramesAhead::restart() {

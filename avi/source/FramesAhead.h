@@ -44,7 +44,7 @@ class FramesAhead {
     };
     const uint8_t* fetch(size_t i);
     bool hasRoom(size_t size);
-    void dropThrough(size_t i);
+    bool takeKept(const Chunk& chunk, uint8_t* out);
 
     const SourceTrack& mTrack;
     std::unique_ptr<uint8_t[]> mBytes;  // kMaxBytes, once something was fetched
