@@ -5,7 +5,7 @@ set(AVI_GOOGLETEST_SOURCE /usr/src/googletest CACHE PATH "GoogleTest sources (De
 set(INSTALL_GTEST OFF)
 add_subdirectory(${AVI_GOOGLETEST_SOURCE} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
 foreach(target IN ITEMS gtest gtest_main gmock gmock_main)
-    target_compile_options(${target} PRIVATE -w)  # another project's code, not ours to mend
+    target_compile_options(${target} PRIVATE -w -Og)  # another project's code, not ours to mend
 endforeach()
 include(GoogleTest)
 
@@ -25,11 +25,11 @@ target_precompile_headers(avi_test_header PRIVATE
     <gmock/gmock.h> <gtest/gtest.h> <cstdint> <functional> <memory> <optional> <string> <vector>)
 
 # avi_build_quickly(TARGET): what is tested is optimised, the tests themselves need to be built
-# quickly. Several of their files are one compilation: names of file scope are unique in a folder.
+# quickly. Many of their files are one compilation: names of file scope are unique in a folder.
 function(avi_build_quickly target)
     target_compile_options(${target} PRIVATE -Og)
     target_precompile_headers(${target} REUSE_FROM avi_test_header)
-    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 24)
 endfunction()
 
 # avi_add_test_library(NAME SOURCES... [LIBS...]): what several test programs share.

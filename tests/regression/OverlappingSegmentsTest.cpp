@@ -11,7 +11,7 @@
 namespace avitest {
 namespace {
 
-constexpr size_t kSize = 1 << 20;
+constexpr size_t kFileSize = 1 << 20;
 
 // The further segments four times, the walk that lists them and the scan of the first one.
 constexpr uint64_t kMostTimesRead = 6;
@@ -23,10 +23,10 @@ class OverlappingSegments : public LoggedFixture {
         const auto found = std::find_if(
             all.begin(), all.end(), [&name](const HostileFile& file) { return file.name == name; });
         ASSERT_NE(all.end(), found);
-        android::service::FaultySource& source = openCounted(found->make(kSize));
+        android::service::FaultySource& source = openCounted(found->make(kFileSize));
         EXPECT_EQ(1u, countTracks());
-        EXPECT_GT(kMostTimesRead * kSize, source.byteCount());
-        EXPECT_LT(3 * kSize, source.byteCount());  // they do overlap
+        EXPECT_GT(kMostTimesRead * kFileSize, source.byteCount());
+        EXPECT_LT(3 * kFileSize, source.byteCount());  // they do overlap
     }
 };
 

@@ -20,6 +20,9 @@ namespace avitool {
  */
 std::string printable(std::string_view text, size_t limit = std::numeric_limits<size_t>::max());
 
+/** What is shown of a track's MIME type in a heading, in bytes. */
+constexpr size_t kMaxMimeBytes = 80;
+
 /**
  * JSON, in UTF-8 and with its strings' C0 escaped, with the other characters that printable()
  * escapes as \uNNNN: they can be in strings only, so it means the same.

@@ -15,7 +15,7 @@ namespace {
 
 // Keeps a line of a buffer or a long text within 100 columns.
 constexpr size_t kMaxBufferBytes = 24;
-constexpr size_t kMaxTextBytes = 200;
+constexpr size_t kMaxValueBytes = 200;
 // Wide enough for all but the longest keys, so that the tables of most files look alike.
 constexpr size_t kMinNameWidth = 16;
 
@@ -35,7 +35,7 @@ std::string valueText(double value) {
     return fmt::format("{}", value);
 }
 std::string valueText(const std::string& value) {
-    return printable(value, kMaxTextBytes);
+    return printable(value, kMaxValueBytes);
 }
 
 std::string valueText(const service::FormatRect& value) {

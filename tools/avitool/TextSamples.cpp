@@ -8,8 +8,6 @@ namespace avitool {
 
 namespace {
 
-constexpr size_t kMaxTextBytes = 80;
-
 std::string summaryText(const ReadSummary& read) {
     std::string text = fmt::format("samples {}, key samples {}, bytes {}", read.samples,
                                    read.syncSamples, read.bytes);
@@ -28,7 +26,7 @@ class TextSamples : public SamplePrinter {
     void beginTrack(const TrackReport& track) override {
         const std::string mime = stringEntry(track.format, AMEDIAFORMAT_KEY_MIME);
         mConsole.write(
-            fmt::format("\nTrack {}  {}\n", track.index, printable(mime, kMaxTextBytes)));
+            fmt::format("\nTrack {}  {}\n", track.index, printable(mime, kMaxMimeBytes)));
         mConsole.write(fmt::format("{:>5}  {:>8}  {:>14}  {:4}  {:>9}  {}\n", "track", "index",
                                    "time", "sync", "size", "crc-32"));
     }

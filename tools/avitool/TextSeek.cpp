@@ -10,7 +10,7 @@ namespace avitool {
 
 namespace {
 
-constexpr size_t kMaxMimeBytes = 30;
+constexpr size_t kMaxTypeBytes = 30;
 
 constexpr char kColumns[] = "{:>5}  {:>14}  {:4}  {:>9}  {:>14}  {:>14}  {:>5}  {}\n";
 
@@ -26,7 +26,7 @@ std::string differenceText(std::optional<int64_t> differenceUs) {
 }
 
 std::string landingText(const Landing& landing) {
-    const std::string mime = printable(landing.mime, kMaxMimeBytes);
+    const std::string mime = printable(landing.mime, kMaxTypeBytes);
     if (!landing.sample) {
         return fmt::format(kColumns, landing.track,
                            landing.endOfStream ? "END_OF_STREAM" : "failed", "-", "-", "-", "-",

@@ -10,7 +10,7 @@ namespace {
 
 using ::testing::Contains;
 
-constexpr char kStop[] = "parseFirstRIFF(): Unknown chunk num > 50, stop scaning!";
+constexpr char kStopInFirst[] = "parseFirstRIFF(): Unknown chunk num > 50, stop scaning!";
 
 class UnknownChunks : public LoggedFixture {
   protected:
@@ -20,16 +20,16 @@ class UnknownChunks : public LoggedFixture {
         countTracks();
         return mLog.count("found idx") != 0;
     }
-    bool stops() const { return mLog.count(kStop) != 0; }
+    bool stops() const { return mLog.count(kStopInFirst) != 0; }
 };
 
-std::vector<Chunk> strays(size_t count, const Chunk& stray = Chunk("STRY", Bytes(6))) {
+std::vector<Chunk> strangers(size_t count, const Chunk& stray = Chunk("STRY", Bytes(6))) {
     return std::vector<Chunk>(count, stray);
 }
 
 TEST_F(UnknownChunks, AreShownByTheVerboseLogAlone) {
     AviFile avi = videoFile();
-    avi.segment().afterMovi = strays(1);
+    avi.segment().afterMovi = strangers(1);
     setProperty(kVerboseLogProperty, "1");
     openFile(avi.build());
     countTracks();
@@ -45,21 +45,21 @@ TEST_F(UnknownChunks, AreShownByTheVerboseLogAlone) {
 
 TEST_F(UnknownChunks, FiftyBehindMoviArePassed) {
     AviFile avi = videoFile();
-    avi.segment().afterMovi = strays(50);
+    avi.segment().afterMovi = strangers(50);
     EXPECT_TRUE(reachesTheIndex(avi));
     EXPECT_FALSE(stops());
 }
 
 TEST_F(UnknownChunks, TheFiftyFirstBehindMoviEndsTheWalk) {
     AviFile avi = videoFile();
-    avi.segment().afterMovi = strays(51);
+    avi.segment().afterMovi = strangers(51);
     EXPECT_FALSE(reachesTheIndex(avi));
-    EXPECT_THAT(log(), Contains(warning(kStop)).Times(1));
+    EXPECT_THAT(log(), Contains(warning(kStopInFirst)).Times(1));
 }
 
 TEST_F(UnknownChunks, WalkEndsAtTheOneThatIsTooMany) {
     AviFile avi = videoFile();
-    avi.segment().afterMovi = strays(60);
+    avi.segment().afterMovi = strangers(60);
     avi.segment().afterMovi[50].marked("last");
     EXPECT_FALSE(reachesTheIndex(avi));
     avi.build();
@@ -69,7 +69,7 @@ TEST_F(UnknownChunks, WalkEndsAtTheOneThatIsTooMany) {
 
 TEST_F(UnknownChunks, TheOneThatEndsTheWalkIsTheLastOneShown) {
     AviFile avi = videoFile();
-    avi.segment().afterMovi = strays(60);
+    avi.segment().afterMovi = strangers(60);
     setProperty(kVerboseLogProperty, "1");
     openFile(avi.build());
     countTracks();
@@ -78,47 +78,47 @@ TEST_F(UnknownChunks, TheOneThatEndsTheWalkIsTheLastOneShown) {
 
 TEST_F(UnknownChunks, ThoseInFrontOfTheHeadersCount) {
     AviFile avi = videoFile();
-    avi.segment().beforeHeaders = strays(30);
-    avi.segment().beforeMovi = strays(10);
-    avi.segment().afterMovi = strays(11);
+    avi.segment().beforeHeaders = strangers(30);
+    avi.segment().beforeMovi = strangers(10);
+    avi.segment().afterMovi = strangers(11);
     EXPECT_FALSE(reachesTheIndex(avi));
     EXPECT_TRUE(stops());
 }
 
 TEST_F(UnknownChunks, FiftyInFrontOfTheHeadersAndOneBehindMoviEndTheWalk) {
     AviFile avi = videoFile();
-    avi.segment().beforeHeaders = strays(50);
-    avi.segment().afterMovi = strays(1);
+    avi.segment().beforeHeaders = strangers(50);
+    avi.segment().afterMovi = strangers(1);
     EXPECT_FALSE(reachesTheIndex(avi));
     EXPECT_TRUE(stops());
 }
 
 TEST_F(UnknownChunks, FiftyOneInFrontOfTheHeadersLiftTheLimit) {
     AviFile avi = videoFile();
-    avi.segment().beforeHeaders = strays(51);
-    avi.segment().afterMovi = strays(100);
+    avi.segment().beforeHeaders = strangers(51);
+    avi.segment().afterMovi = strangers(100);
     EXPECT_TRUE(reachesTheIndex(avi));
     EXPECT_FALSE(stops());
 }
 
 TEST_F(UnknownChunks, SixtyInFrontOfTheHeadersLiftTheLimit) {
     AviFile avi = videoFile();
-    avi.segment().beforeHeaders = strays(60);
-    avi.segment().afterMovi = strays(60);
+    avi.segment().beforeHeaders = strangers(60);
+    avi.segment().afterMovi = strangers(60);
     EXPECT_TRUE(reachesTheIndex(avi));
     EXPECT_EQ(1u, countTracks());
 }
 
 TEST_F(UnknownChunks, HeadersWithoutMoviAreNotEnoughToEndTheWalk) {
     AviFile avi = videoFile();
-    avi.segment().beforeMovi = strays(60);
+    avi.segment().beforeMovi = strangers(60);
     EXPECT_TRUE(reachesTheIndex(avi));
     EXPECT_FALSE(stops());
 }
 
 TEST_F(UnknownChunks, MoviWithoutHeadersIsNotEnoughToEndTheWalk) {
     AviFile avi = videoFile();
-    avi.segment().afterMovi = strays(60);
+    avi.segment().afterMovi = strangers(60);
     avi.segment().edit = [](Chunk& riff) { riff.arrange({"movi", "STRY", "hdrl", "idx1"}); };
     EXPECT_TRUE(reachesTheIndex(avi));
     EXPECT_FALSE(stops());
@@ -126,13 +126,13 @@ TEST_F(UnknownChunks, MoviWithoutHeadersIsNotEnoughToEndTheWalk) {
 
 TEST_F(UnknownChunks, JunkDoesNotCount) {
     AviFile avi = videoFile();
-    avi.segment().afterMovi = strays(100, Chunk("JUNK", Bytes(6)));
+    avi.segment().afterMovi = strangers(100, Chunk("JUNK", Bytes(6)));
     EXPECT_TRUE(reachesTheIndex(avi));
 }
 
 TEST_F(UnknownChunks, UnknownListsDoNotCount) {
     AviFile avi = videoFile();
-    avi.segment().afterMovi = strays(100, Chunk::list("STRY"));
+    avi.segment().afterMovi = strangers(100, Chunk::list("STRY"));
     EXPECT_TRUE(reachesTheIndex(avi));
     EXPECT_FALSE(stops());
 }

@@ -14,7 +14,7 @@
 namespace avitest {
 namespace {
 
-constexpr size_t kMegabyte = 1024 * 1024;
+constexpr size_t kWatchedBytes = 1024 * 1024;
 
 // Takes memory and gives it back; the write keeps the compiler from leaving both out.
 void takeForAMoment(size_t bytes) {
@@ -24,27 +24,27 @@ void takeForAMoment(size_t bytes) {
 }
 
 TEST(AllocationWatch, CountsMemoryOfSharedLibraries) {
-    const Bytes data(kMegabyte, 1);
+    const Bytes data(kWatchedBytes, 1);
     const android::service::MediaFormat format;
     const AllocationWatch watch;
     AMediaFormat_setBuffer(format.get(), "data", data.data(), data.size());  // which copies
-    EXPECT_LE(kMegabyte, watch.largest());
-    EXPECT_LE(kMegabyte, watch.peak());
+    EXPECT_LE(kWatchedBytes, watch.largest());
+    EXPECT_LE(kWatchedBytes, watch.peak());
 }
 
 TEST(AllocationWatch, CountsWhatIsHeldAtOneTime) {
     const AllocationWatch watch;
     for (int i = 0; i < 8; ++i)
-        takeForAMoment(kMegabyte / 4);
-    EXPECT_GT(kMegabyte, watch.peak());
-    EXPECT_LE(kMegabyte / 4, watch.peak());
+        takeForAMoment(kWatchedBytes / 4);
+    EXPECT_GT(kWatchedBytes, watch.peak());
+    EXPECT_LE(kWatchedBytes / 4, watch.peak());
 }
 
 TEST(AllocationWatch, ForgetsWhatCameBefore) {
-    takeForAMoment(kMegabyte);
+    takeForAMoment(kWatchedBytes);
     const AllocationWatch watch;
-    EXPECT_GT(kMegabyte, watch.largest());
-    EXPECT_GT(kMegabyte, watch.peak());
+    EXPECT_GT(kWatchedBytes, watch.largest());
+    EXPECT_GT(kWatchedBytes, watch.peak());
 }
 
 TEST(WatchedSource, GivesErrorsWhenTheBudgetIsUsedUp) {

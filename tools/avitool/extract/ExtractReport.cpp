@@ -37,7 +37,6 @@ Json toJson(const ExtractedTrack& extracted) {
 }  // namespace
 
 void printExtractText(const ExtractReport& report, Console& console) {
-    constexpr size_t kMaxMimeBytes = 80;
     for (const ExtractedTrack& extracted : report.tracks) {
         if (!extracted.files) continue;
         const ExtractedFiles& files = *extracted.files;
