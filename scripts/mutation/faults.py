@@ -19,7 +19,8 @@ SWAPS = [(" < ", " <= "), (" <= ", " < "), (" > ", " >= "), (" >= ", " > "), (" 
          (" & ", " | "), (" | ", " & "), (" += ", " = "), (" -= ", " += "), (" |= ", " = "),
          ("++", "--"), ("--", "++"), ("std::min(", "std::max("), ("std::max(", "std::min("),
          ("true", "false"), ("false", "true"), ("continue;", "break;"),
-         ("return OK;", "return -1;"), ("& ~", "& "), (".front()", ".back()"), (".back()", ".front()")]
+         ("return OK;", "return -1;"), ("& ~", "& "), (".front()", ".back()"),
+         (".back()", ".front()")]
 WORD = re.compile(r"\w")
 CONDITION = re.compile(r"\bif \((?!!\()(.*)\)( \{| [^()]*;| [\w.>-]+\(.*\);| return .*;|)$")
 CALL = re.compile(r"[\w.:>\[\]-]+\(.*\);$")

@@ -2,13 +2,17 @@
 """A scratch copy of the last commit with a build of its own, in which faults are tried."""
 import ctypes
 import json
+import math
 import os
 import pathlib
 import resource
 import shutil
 import signal
 import subprocess
-import time
+
+# Seconds that a program may take when it waits for what never comes. One that runs on and on is
+# told by the processor's time, which a busy machine does not change.
+WAITING_LIMIT = 900
 
 # Bytes that a program may map: a fault that allocates without end is to fail early.
 MEMORY_LIMIT = 8 << 30
@@ -17,7 +21,7 @@ PR_SET_PDEATHSIG = 1
 
 
 class Program:
-    """A test program of the build: how ctest starts it, and how long it takes without a fault."""
+    """A test program of the build: how ctest starts it, how long it computes without a fault."""
 
     def __init__(self, name, command, properties):
         self.name = name
@@ -28,7 +32,8 @@ class Program:
 
     @property
     def limit(self):
-        return 20 + 8 * self.seconds
+        """Seconds of the processor that a process of the program may take."""
+        return 10 + 8 * math.ceil(self.seconds)
 
 
 class Scratch:
@@ -84,7 +89,7 @@ class Scratch:
                 found[path.name] = Program(path.name, [str(path), *arguments], properties)
         return list(found.values())
 
-    def run(self, program, limit):
+    def run(self, program, limit=resource.RLIM_INFINITY):
         """None when the program passes, otherwise how it failed."""
         shutil.rmtree(self.temp, ignore_errors=True)
         self.temp.mkdir()
@@ -92,27 +97,28 @@ class Scratch:
         with open(log, "wb") as output:
             process = subprocess.Popen(
                 program.command, cwd=program.folder, stdin=subprocess.DEVNULL, stdout=output,
-                stderr=subprocess.STDOUT, start_new_session=True, preexec_fn=prepare_process,
+                stderr=subprocess.STDOUT, start_new_session=True,
+                preexec_fn=lambda: prepare_process(limit),
                 env={**os.environ, **program.environment, "TMPDIR": str(self.temp),
                      "GTEST_FAIL_FAST": "1"})
             try:
-                status = process.wait(limit)
+                status = process.wait(WAITING_LIMIT)
             except subprocess.TimeoutExpired:
-                status = None
+                status = -signal.SIGXCPU
             end_session(process)
         if status == 0:
             return None
-        return "does not end" if status is None else failure_in(log, status)
+        return "does not end" if status == -signal.SIGXCPU else failure_in(log, status)
 
     def measure(self, programs):
-        """How long each program takes; all have to pass."""
+        """How much of the processor's time each program takes; all have to pass."""
         for program in programs:
-            start = time.monotonic()
-            failure = self.run(program, 1200)
+            start = spent()
+            failure = self.run(program)
             if failure:
                 raise SystemExit(f"mutate: without a fault {program.name} {failure}: "
                                  f"see {self.folder}/output.txt")
-            program.seconds = time.monotonic() - start
+            program.seconds = spent() - start
 
 
 def git(folder, *arguments):
@@ -120,11 +126,18 @@ def git(folder, *arguments):
                           stdout=subprocess.PIPE, stderr=subprocess.PIPE).stdout.strip()
 
 
-def prepare_process():
+def spent():
+    """Seconds of the processor that the programs started so far have taken."""
+    usage = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return usage.ru_utime + usage.ru_stime
+
+
+def prepare_process(seconds):
     """Of a program that is about to start: limited, ended with this script, with the signals of a
     program in the foreground, which `&` and nohup have ignored."""
     ctypes.CDLL(None).prctl(PR_SET_PDEATHSIG, signal.SIGKILL)
     resource.setrlimit(resource.RLIMIT_AS, (MEMORY_LIMIT, MEMORY_LIMIT))
+    resource.setrlimit(resource.RLIMIT_CPU, (seconds, resource.RLIM_INFINITY))
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
     for number in (signal.SIGINT, signal.SIGHUP):
         signal.signal(number, signal.SIG_DFL)
