@@ -7,7 +7,8 @@ set -euo pipefail
 
 usage() {
     cat <<'TEXT'
-usage: scripts/bootstrap.sh [--clang] [--cross] [--lint] [--coverage] [--all]
+usage: scripts/bootstrap.sh [--clang] [--cross] [--lint] [--coverage] [--costs] [--bench]
+                            [--all]
 
 Installs what building and testing the `release` and `coverage` presets needs, and with
   --clang   what the presets debug, asan, intsan, tsan and fuzz need as well
@@ -15,7 +16,9 @@ Installs what building and testing the `release` and `coverage` presets needs, a
   --lint    what scripts/lint.sh needs as well
   --coverage
             what scripts/coverage.sh needs as well
+  --costs   what scripts/check-costs.sh needs as well
   --all     all of these
+  --bench   what scripts/bench.sh needs as well, which is no part of --all
 TEXT
 }
 
@@ -40,6 +43,13 @@ readonly cross_packages=(
 readonly lint_packages=(clang-format-14 clang-tidy-14 shellcheck zsh fish mandoc git)
 
 readonly coverage_packages=(gcovr)
+
+readonly costs_packages=(valgrind)
+
+# What is measured beside the plug-in.
+readonly bench_packages=(
+    "${costs_packages[@]}" libbenchmark-dev pkg-config
+    libavformat-dev libgstreamer1.0-dev gstreamer1.0-plugins-good)
 
 die() {
     echo "bootstrap: $*" >&2
@@ -104,9 +114,11 @@ main() {
             --cross) packages+=("${cross_packages[@]}") ;;
             --lint) packages+=("${lint_packages[@]}") ;;
             --coverage) packages+=("${coverage_packages[@]}") ;;
+            --costs) packages+=("${costs_packages[@]}") ;;
+            --bench) packages+=("${bench_packages[@]}") ;;
             --all)
                 packages+=("${clang_packages[@]}" "${cross_packages[@]}" "${lint_packages[@]}"
-                    "${coverage_packages[@]}")
+                    "${coverage_packages[@]}" "${costs_packages[@]}")
                 ;;
             -h | --help) usage && exit ;;
             *) usage >&2 && exit 2 ;;
