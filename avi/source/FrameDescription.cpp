@@ -12,9 +12,9 @@ namespace {
 constexpr uint32_t kSequenceStart = 0x000001B0;
 constexpr uint32_t kSequenceEnd = 0x000001B1;
 constexpr uint32_t kUserData = 0x000001B2;
-constexpr uint32_t kGroupOfVop = 0x000001B3;
+constexpr uint32_t kGroupOfVopStart = 0x000001B3;
 constexpr uint32_t kVisualObject = 0x000001B5;
-constexpr uint32_t kVop = 0x000001B6;
+constexpr uint32_t kVopStart = 0x000001B6;
 
 std::string hexOf(uint32_t word) {
     char text[9];
@@ -50,7 +50,7 @@ std::string describeMpeg4Start(const uint8_t* data, size_t size) {
     const uint32_t word = bytes.wordAt(0);
     const std::string code = hexOf(word);
     switch (word) {
-        case kVop:
+        case kVopStart:
             return "(VOP Start@0x" + code + codingTypeText(bytes.byteAt(4));
         case kSequenceStart:
             return "(VOS start@0x" + code + describeSequence(bytes);
@@ -58,7 +58,7 @@ std::string describeMpeg4Start(const uint8_t* data, size_t size) {
             return "(VOS end@0x" + code + ")";
         case kUserData:
             return "(UserData start@0x" + code + ")";
-        case kGroupOfVop:
+        case kGroupOfVopStart:
             return "(Group VOP start@0x" + code + ")";
         case kVisualObject:
             return "(VO start@0x" + code + ")";
