@@ -2,13 +2,10 @@
 
 #include "avi/ChunkWalker.h"
 
-#include <memory>
-
 #include <gtest/gtest.h>
 
-#include "service/FaultySource.h"
-#include "service/MemorySource.h"
 #include "tests/support/Chunk.h"
+#include "tests/unit/avi/Content.h"
 
 namespace android {
 namespace {
@@ -17,27 +14,6 @@ using avitest::Bytes;
 using avitest::ByteWriter;
 using avitest::Chunk;
 using service::Fault;
-using service::FaultySource;
-using service::MemorySource;
-using service::PlainDataSource;
-
-// Bytes behind the interface that the walker reads through.
-class Content {
-  public:
-    explicit Content(const Bytes& bytes)
-        : mMemory(bytes),
-          mFaulty(mMemory),
-          mPlain(mFaulty),
-          mReader(new DataSourceHelper(mPlain.get())) {}
-    FileReader& reader() { return mReader; }
-    FaultySource& source() { return mFaulty; }
-
-  private:
-    MemorySource mMemory;
-    FaultySource mFaulty;
-    PlainDataSource mPlain;
-    FileReader mReader;
-};
 
 HeaderRead readHeader(const Bytes& bytes, ChunkHeader* out) {
     Content content(bytes);
@@ -161,43 +137,6 @@ TEST(ChunkWalker, StaysWhereItIsWhenAHeaderCannotBeRead) {
     EXPECT_EQ(fourcc("JUNK"), chunk.header().id);
     EXPECT_EQ(38, chunk.position());
     EXPECT_EQ(50, chunk.next());
-}
-
-// Headers that lie close together are fetched ahead of time.
-class ReadAhead : public ::testing::Test {
-  protected:
-    ReadAhead() { mContent.reader().keepSize(); }
-    // How many calls of the source it takes to read one header `times` times, each `step` bytes
-    // behind the one before.
-    uint64_t callsFor(int64_t position, int64_t step, int times) {
-        mContent.source().reset();
-        ChunkHeader header;
-        for (int i = 0; i < times; ++i)
-            readChunkHeader(mContent.reader(), position + i * step, &header);
-        return mContent.source().callCount();
-    }
-
-  private:
-    Content mContent{Bytes(100000)};
-};
-
-TEST_F(ReadAhead, ManyHeadersTakeFewCalls) {
-    EXPECT_LT(callsFor(0, 12, 1000), 30u);
-}
-
-TEST_F(ReadAhead, SameHeaderAgainAndAgainIsCloseToItself) {
-    EXPECT_LT(callsFor(500, 0, 1000), 30u);
-}
-
-TEST_F(ReadAhead, HeadersThatLieFarApartAreReadOneByOne) {
-    EXPECT_EQ(10u, callsFor(0, 9000, 10));
-}
-
-TEST_F(ReadAhead, JumpGivesUpWhatWasFetched) {
-    callsFor(0, 12, 100);
-    EXPECT_EQ(0u, callsFor(1200, 0, 1));
-    EXPECT_EQ(1u, callsFor(50000, 0, 1));
-    EXPECT_EQ(1u, callsFor(1200, 0, 1));
 }
 
 TEST(ChunkWalker, SizeAndPadAreAddedIn32Bits) {
