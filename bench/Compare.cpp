@@ -146,8 +146,10 @@ void registerAll(Inputs& inputs) {
     }
 }
 
-// What the service does for a file of another kind: the library's start, the sniff, the creation.
+// The library's start, the sniff and the creation. What the library needs is loaded, as in the
+// service.
 void startPlugin(benchmark::State& state, const Input& input) {
+    discardLogLines();
     CountingSource source(input.path);
     for (auto _ : state) {
         const android::service::PluginLibrary plugin(AVI_PLUGIN_PATH);

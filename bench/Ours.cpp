@@ -7,9 +7,13 @@
 
 namespace avibench {
 
-Ours::Ours() : mPlugin(AVI_PLUGIN_PATH) {
+void discardLogLines() {
     __android_log_set_minimum_priority(ANDROID_LOG_VERBOSE);
     __android_log_set_logger([](const __android_logger_data* /*data*/, const char* /*text*/) {});
+}
+
+Ours::Ours() : mPlugin(AVI_PLUGIN_PATH) {
+    discardLogLines();
 }
 
 Ours::~Ours() {

@@ -14,6 +14,9 @@
 
 namespace avibench {
 
+// From now on log lines are made and thrown away.
+void discardLogLines();
+
 class Ours : public Contender {
   public:
     // Loads the plug-in.
