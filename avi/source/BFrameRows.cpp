@@ -38,7 +38,8 @@ BFrameRows::Seen BFrameRows::look(size_t i) {
     const std::optional<FrameType> type = mFrames.probe(i);
     Seen now = Seen::kOther;
     if (!type) {
-        now = before == Seen::kNever ? Seen::kUnreadable : Seen::kMissing;
+        const bool isInFile = mTrack.reader.holds(mTrack.table.offset(i), 1);
+        now = before == Seen::kNever && isInFile ? Seen::kUnreadable : Seen::kMissing;
     } else if (type == FrameType::kBidirectional) {
         now = Seen::kBFrame;
     }

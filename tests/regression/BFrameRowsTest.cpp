@@ -116,6 +116,24 @@ TEST_F(BFrameRows, UnreadableRowIsReadTwice) {
     EXPECT_EQ(1u, source().callCount());
 }
 
+// What lies after the end of a cut file will not come: it is asked for once.
+TEST_F(BFrameRows, RowAfterTheEndOfTheFileIsReadOnce) {
+    AviFile avi = videoFile("I" + std::string(100, 'B') + "P");
+    avi.segment().index.copies = 0;
+    avi.stream(0).openDml = OpenDml::kStandard;
+    Bytes file = avi.build();
+    file.resize(avi.chunks(0)[1].place.dataOffset);
+    MemorySource memory(file);
+    FaultySource cut(memory);
+    openSource(cut);
+    StartedTrack started(track(0));
+    cut.reset();
+    EXPECT_EQ(seek(started, kPrevious, 0).timeUs, 0);
+    EXPECT_EQ(1u + 101, cut.callCount());
+    EXPECT_EQ(seek(started, kPrevious, 0).timeUs, 0);
+    EXPECT_EQ(2u + 101, cut.callCount());
+}
+
 // An unreadable frame counts for none, wherever in the row the look begins.
 TEST_F(BFrameRows, UnreadableFramesAreNotCounted) {
     AviFile avi;
